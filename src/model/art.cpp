@@ -1,0 +1,249 @@
+#include "model/art.h"
+
+#include <algorithm>
+
+#include "frame/frame.h"
+#include "geometry/affine.h"
+
+namespace rv {
+
+// ---------------------------------------------------------------- ChildList
+
+ChildList::~ChildList() {
+  if (!m_owning) return;
+  for (CRvArt* child : m_items) delete child;
+}
+
+// ---------------------------------------------------------------- CRvArt
+
+CRvArt::CRvArt() : m_matrix(kIdentity) {}
+
+CRvArt::CRvArt(const CRvArt& source)
+    : m_parent(source.m_parent),
+      m_bounds(source.m_bounds),
+      m_matrix(source.m_matrix),
+      m_attrOwned(source.m_attrOwned) {}
+
+CRvArt::~CRvArt() = default;
+
+bool CRvArt::AddChild(int16_t, CRvArt*) { return false; }
+bool CRvArt::InsertChild(int16_t, ChildPos, CRvArt*) { return false; }
+CRvArt* CRvArt::GetChild(int16_t) const { return nullptr; }
+CRvArt* CRvArt::GetRelative(int16_t, ChildPos) const { return nullptr; }
+void CRvArt::RemoveChild(ChildPos) {}
+std::optional<ChildPos> CRvArt::FindChild(const CRvArt*) { return std::nullopt; }
+uint32_t CRvArt::GetBounds(RVRECT&) { return 0; }
+
+PathAttr& CRvArt::EnsureAttr() {
+  if (!m_attr) {
+    m_attr = std::make_unique<PathAttr>();
+    m_attrOwned = 1;
+  }
+  return *m_attr;
+}
+
+PlotInfo& CRvArt::EnsurePlotInfo() {
+  PathAttr& attr = EnsureAttr();
+  if (!attr.plotInfo) attr.plotInfo = std::make_unique<PlotInfo>();
+  return *attr.plotInfo;
+}
+
+const std::string& CRvArt::GetTag(const std::string& key) const {
+  auto it = m_tags.find(key);
+  if (it == m_tags.end()) Raise(ErrCode(6, 26));
+  return it->second;
+}
+
+// ---------------------------------------------------------------- containers
+
+bool CRvContainerArt::AddChild(int16_t where, CRvArt* child) {
+  if (child == nullptr || !Accepts(*child)) return false;
+  auto& items = m_children.items();
+  if (where == 0) {
+    items.push_front(child);
+  } else if (where == 1) {
+    items.push_back(child);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+bool CRvContainerArt::InsertChild(int16_t where, ChildPos node, CRvArt* child) {
+  if (child == nullptr || !Accepts(*child)) return false;
+  auto& items = m_children.items();
+  switch (where) {
+    case 0: items.push_front(child); return true;
+    case 1: items.push_back(child); return true;
+    case 2: items.insert(std::next(node), child); return true;
+    case 3: items.insert(node, child); return true;
+    default: return false;
+  }
+}
+
+CRvArt* CRvContainerArt::GetChild(int16_t where) const {
+  const auto& items = m_children.items();
+  if (items.empty()) return nullptr;
+  if (where == 0) return items.front();
+  if (where == 1) return items.back();
+  return nullptr;
+}
+
+CRvArt* CRvContainerArt::GetRelative(int16_t where, ChildPos node) const {
+  const auto& items = m_children.items();
+  if (items.empty()) return nullptr;
+  switch (where) {
+    case 0: return items.front();
+    case 1: return items.back();
+    case 2: {
+      auto next = std::next(node);
+      return next == items.end() ? nullptr : *next;
+    }
+    case 3: return node == items.begin() ? nullptr : *std::prev(node);
+    default: return nullptr;
+  }
+}
+
+void CRvContainerArt::RemoveChild(ChildPos node) { m_children.items().erase(node); }
+
+std::optional<ChildPos> CRvContainerArt::FindChild(const CRvArt* child) {
+  auto& items = m_children.items();
+  auto it = std::find(items.begin(), items.end(), child);
+  if (it == items.end()) return std::nullopt;
+  return it;
+}
+
+// ---------------------------------------------------------------- CRvLayer
+
+void CRvLayer::RemoveChild(ChildPos node) {
+  auto& items = m_children.items();
+  for (auto it = items.begin(); it != items.end(); ++it) {
+    if (it == node) {
+      items.erase(it);
+      return;
+    }
+  }
+}
+
+bool CRvLayer::GetColor(RVCOLOR& out) const {
+  if (m_color) {
+    out.kind = m_color->kind;
+    std::copy(m_color->c.begin(), m_color->c.end(), out.c);
+  }
+  return true;
+}
+
+void CRvLayer::SetColor(const RVCOLOR& color, const std::string& name) {
+  if (!m_color) m_color = std::make_unique<ColorRecord>();
+  m_color->kind = color.kind;
+  std::copy(color.c, color.c + 4, m_color->c.begin());
+  m_color->name = name;
+}
+
+void CRvLayer::SetColorName(const std::string& name) {
+  if (!m_color) m_color = std::make_unique<ColorRecord>();
+  m_color->name = name;
+}
+
+const std::string& CRvLayer::GetColorName() const {
+  if (!m_color) Raise(ErrCode(3, 9));
+  return m_color->name;
+}
+
+// ---------------------------------------------------------------- CRvPath
+
+namespace {
+
+std::unique_ptr<ColorRecord> CloneColor(const std::unique_ptr<ColorRecord>& c) {
+  return c ? std::make_unique<ColorRecord>(*c) : nullptr;
+}
+
+}  // namespace
+
+CRvPath::CRvPath(const CRvPath& source)
+    : CRvContainerArt(source),
+      m_fill(CloneColor(source.m_fill)),
+      m_stroke(CloneColor(source.m_stroke)),
+      m_clockwise(source.m_clockwise),
+      m_closed(source.m_closed) {}
+
+bool CRvPath::Accepts(const CRvArt& child) const { return IsComponentType(child.GetType()); }
+
+bool CRvPath::GetColor(int16_t use, RVCOLOR& out) const {
+  if (use != 1 && use != 2) Raise(ErrCode(5, 9));
+  const ColorRecord* record = use == 1 ? m_fill.get() : m_stroke.get();
+  if (record == nullptr) return false;
+  out.kind = record->kind;
+  std::copy(record->c.begin(), record->c.end(), out.c);
+  return true;
+}
+
+void CRvPath::SetColor(int16_t use, const RVCOLOR& color, const std::string& name) {
+  const bool valueKind = color.kind == 0 || color.kind == 1;
+  if (valueKind ? (use != 1 && use != 2) : (use != 1)) Raise(ErrCode(5, 10));
+  std::unique_ptr<ColorRecord>& record = use == 1 ? m_fill : m_stroke;
+  if (!record) record = std::make_unique<ColorRecord>();
+  record->kind = color.kind;
+  std::copy(color.c, color.c + 4, record->c.begin());
+  record->name = name;
+}
+
+void CRvPath::SetColorName(int16_t use, const std::string& name) {
+  if (use != 1 && use != 2) Raise(ErrCode(6, 10));
+  std::unique_ptr<ColorRecord>& record = use == 1 ? m_fill : m_stroke;
+  if (record) record->name = name;
+}
+
+std::string CRvPath::GetColorName(int16_t use) const {
+  if (use != 1 && use != 2) Raise(ErrCode(5, 9));
+  const ColorRecord* record = use == 1 ? m_fill.get() : m_stroke.get();
+  return record ? record->name : std::string("None");
+}
+
+int32_t CRvPath::GetPointTotal() const {
+  int32_t total = 0;
+  for (const CRvArt* child : m_children.items()) {
+    total += static_cast<const CRvPathComponent*>(child)->GetPointCount();
+  }
+  return total;
+}
+
+// ---------------------------------------------------------------- components
+
+void CRvBezier::InsertPoint(int32_t i, const RVBEZIERPOINT& p) {
+  if (i <= 0) {
+    m_points.insert(m_points.begin(), p);
+  } else if (i >= GetPointCount()) {
+    m_points.push_back(p);
+  } else {
+    m_points.insert(m_points.begin() + i, p);
+  }
+}
+
+// ---------------------------------------------------------------- factories
+
+std::unique_ptr<CRvArt> MakeArt(int16_t type) {
+  switch (type) {
+    case kArtGroup: return std::make_unique<CRvGroup>();
+    case kArtBezier: return std::make_unique<CRvBezier>();
+    case kArtCompound: return std::make_unique<CRvCompound>();
+    case kArtPath: return std::make_unique<CRvPath>();
+    case kArtArc: return std::make_unique<CRvArc>();
+    case kArtSpline: return std::make_unique<CRvSpline>();
+    default: return nullptr;
+  }
+}
+
+std::unique_ptr<CRvArt> CopyArt(const CRvArt& source) {
+  switch (source.GetType()) {
+    case kArtGroup: return std::make_unique<CRvGroup>(static_cast<const CRvGroup&>(source));
+    case kArtBezier: return std::make_unique<CRvBezier>(static_cast<const CRvBezier&>(source));
+    case kArtCompound: return std::make_unique<CRvCompound>(static_cast<const CRvCompound&>(source));
+    case kArtPath: return std::make_unique<CRvPath>(static_cast<const CRvPath&>(source));
+    case kArtArc: return std::make_unique<CRvArc>(static_cast<const CRvArc&>(source));
+    case kArtSpline: return std::make_unique<CRvSpline>(static_cast<const CRvSpline&>(source));
+    default: return nullptr;
+  }
+}
+
+}  // namespace rv

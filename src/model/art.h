@@ -1,0 +1,304 @@
+// The art tree: layers, groups, compounds, paths and their components.
+//
+// A container owns its children through a doubly linked list (stable
+// positions, constant-time unlink). Components own flat arrays of points. An
+// art owns its attribute record, plot info, colour records and tags.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "rvdataaccess.h"
+
+namespace rv {
+
+/// Art type numbers as GetType returns them and as the API uses them.
+enum ArtType : int16_t {
+  kArtLayer = 0,
+  kArtGroup = 1,
+  kArtBezier = 2,
+  kArtCompound = 3,
+  kArtPath = 4,
+  kArtArc = 5,
+  kArtSpline = 6,
+  kArtAbstract = 7,  // CRvArt and CRvPathComponent themselves
+};
+
+/// Attribute flag bits that the library itself reads.
+constexpr uint8_t kAttrCounted = 2;    // counts for bounds by flag
+constexpr uint8_t kAttrExcluded = 16;  // left out of every output and sort pass
+
+/// Plot info of an art, made at first write.
+struct PlotInfo {
+  int32_t patternId = -1;
+  int32_t plotValue = 0;
+  std::string plotText;
+  int16_t vcutElement = -1;
+  int16_t vcutValue = 0;
+};
+
+/// Attribute record of an art, made at first write. The low 16 bits of `word`
+/// are the attribute flags, the high 16 bits the start segment.
+struct PathAttr {
+  uint32_t word = 0;
+  std::unique_ptr<PlotInfo> plotInfo;
+};
+
+/// A colour held by an art: the public record with its name filled in.
+struct ColorRecord {
+  std::string name;
+  uint16_t kind = 0;
+  std::array<uint8_t, 4> c{};
+};
+
+class CRvArt;
+using ChildPos = std::list<CRvArt*>::iterator;
+
+/// Children of a container. Owns its arts and destroys them in list order,
+/// unless ownership was handed on (see ReleaseOwnership).
+class ChildList {
+ public:
+  ChildList() = default;
+  ChildList(const ChildList&) = delete;
+  ChildList& operator=(const ChildList&) = delete;
+  ~ChildList();
+
+  std::list<CRvArt*>& items() { return m_items; }
+  const std::list<CRvArt*>& items() const { return m_items; }
+  /// From now on the list only refers to its arts; someone else owns them.
+  void ReleaseOwnership() { m_owning = false; }
+
+ private:
+  std::list<CRvArt*> m_items;
+  bool m_owning = true;
+};
+
+class CRvArt {
+ public:
+  CRvArt();
+  /// Copies parent, bounds, matrix and the owned flag; not the attribute
+  /// record, not the tags.
+  CRvArt(const CRvArt& source);
+  CRvArt& operator=(const CRvArt&) = delete;
+  virtual ~CRvArt();
+
+  // ---- children (containers override these; leaves have none) ----
+  /// Links `child` first (0) or last (1). Returns false when the container's
+  /// type filter refuses it or `where` is another number; the caller then
+  /// still owns the child.
+  virtual bool AddChild(int16_t where, CRvArt* child);
+  /// Links `child` first (0), last (1), behind `node` (2) or in front of it (3).
+  virtual bool InsertChild(int16_t where, ChildPos node, CRvArt* child);
+  /// First (0) or last (1) child; null otherwise or when there is none.
+  virtual CRvArt* GetChild(int16_t where) const;
+  /// First (0), last (1), the one after `node` (2) or before it (3).
+  virtual CRvArt* GetRelative(int16_t where, ChildPos node) const;
+  /// Unlinks the entry at `node` without destroying its art.
+  virtual void RemoveChild(ChildPos node);
+  /// The first position holding `child`, or none.
+  virtual std::optional<ChildPos> FindChild(const CRvArt* child);
+  virtual int16_t GetType() const { return kArtAbstract; }
+  /// Bounds of the art's own geometry; the base has none and leaves `out`.
+  virtual uint32_t GetBounds(RVRECT& out);
+
+  // ---- attribute word and plot info ----
+  uint8_t AttrFlags() const { return m_attr ? uint8_t(m_attr->word) : 0; }
+  uint16_t StartSegment() const { return m_attr ? uint16_t(m_attr->word >> 16) : 0; }
+  PathAttr& EnsureAttr();
+  PlotInfo& EnsurePlotInfo();
+  const PlotInfo* GetPlotInfo() const { return m_attr ? m_attr->plotInfo.get() : nullptr; }
+
+  // ---- tags ----
+  void SetTag(const std::string& key, const std::string& value) { m_tags[key] = value; }
+  /// The value of `key`; raises 0x06001A01 when there is no such tag.
+  const std::string& GetTag(const std::string& key) const;
+  bool HasTag(const std::string& key) const { return m_tags.count(key) != 0; }
+
+  CRvArt* m_parent = nullptr;
+  RVRECT m_bounds{};
+  RVRIFMATRIX m_matrix;
+  std::unique_ptr<PathAttr> m_attr;
+  std::map<std::string, std::string> m_tags;  // bytewise key order
+  int m_attrOwned = 0;
+};
+
+/// Shared body of the four containers: a child list with a type filter.
+class CRvContainerArt : public CRvArt {
+ public:
+  CRvContainerArt() = default;
+  CRvContainerArt(const CRvContainerArt& source) : CRvArt(source) {}
+
+  bool AddChild(int16_t where, CRvArt* child) override;
+  bool InsertChild(int16_t where, ChildPos node, CRvArt* child) override;
+  CRvArt* GetChild(int16_t where) const override;
+  CRvArt* GetRelative(int16_t where, ChildPos node) const override;
+  void RemoveChild(ChildPos node) override;
+  std::optional<ChildPos> FindChild(const CRvArt* child) override;
+
+  std::size_t ChildCount() const { return m_children.items().size(); }
+  ChildList m_children;
+
+ protected:
+  /// Whether an art of this type may be linked here.
+  virtual bool Accepts(const CRvArt& child) const = 0;
+};
+
+class CRvLayer : public CRvContainerArt {
+ public:
+  CRvLayer() = default;
+  int16_t GetType() const override { return kArtLayer; }
+  /// Unlinks only when `node` is in this layer's list.
+  void RemoveChild(ChildPos node) override;
+
+  /// Copies the colour into `out`; a layer always reports its colour found.
+  bool GetColor(RVCOLOR& out) const;
+  void SetColor(const RVCOLOR& color, const std::string& name);
+  void SetColorName(const std::string& name);
+  /// Raises 0x03000901 when the layer has no colour.
+  const std::string& GetColorName() const;
+  const std::string& GetName() const { return m_name; }
+  void SetName(const std::string& name) { m_name = name; }
+
+  std::unique_ptr<ColorRecord> m_color;
+  std::string m_name;
+
+ protected:
+  bool Accepts(const CRvArt&) const override { return true; }
+};
+
+class CRvGroup : public CRvContainerArt {
+ public:
+  CRvGroup() = default;
+  /// Copies no children and no selection.
+  CRvGroup(const CRvGroup& source) : CRvContainerArt(source) {}
+  int16_t GetType() const override { return kArtGroup; }
+
+  int m_selected = 0;
+
+ protected:
+  bool Accepts(const CRvArt&) const override { return true; }
+};
+
+class CRvCompound : public CRvContainerArt {
+ public:
+  CRvCompound() = default;
+  CRvCompound(const CRvCompound& source) : CRvContainerArt(source) {}
+  int16_t GetType() const override { return kArtCompound; }
+
+ protected:
+  bool Accepts(const CRvArt& child) const override { return child.GetType() == kArtPath; }
+};
+
+class CRvPath : public CRvContainerArt {
+ public:
+  CRvPath() = default;
+  /// Copies the flags and both colour records, not the children.
+  CRvPath(const CRvPath& source);
+  int16_t GetType() const override { return kArtPath; }
+
+  /// Colour of `use` (1 fill, 2 stroke): true with kind and components, or
+  /// false with `out` untouched. Raises 0x05000901 for another use.
+  bool GetColor(int16_t use, RVCOLOR& out) const;
+  /// Raises 0x05000A01 for a use that the kind doesn't allow.
+  void SetColor(int16_t use, const RVCOLOR& color, const std::string& name);
+  /// Renames an existing record; raises 0x06000A01 for another use.
+  void SetColorName(int16_t use, const std::string& name);
+  /// The name, or "None" without a record; raises 0x05000901 for another use.
+  std::string GetColorName(int16_t use) const;
+  std::size_t GetComponentCount() const { return ChildCount(); }
+  /// Sum of the point counts of the components, in list order.
+  int32_t GetPointTotal() const;
+
+  std::unique_ptr<ColorRecord> m_fill;
+  std::unique_ptr<ColorRecord> m_stroke;
+  int m_clockwise = 0;
+  int m_closed = 0;
+
+ protected:
+  bool Accepts(const CRvArt& child) const override;
+};
+
+/// Base of the three path components.
+class CRvPathComponent : public CRvArt {
+ public:
+  CRvPathComponent() = default;
+  CRvPathComponent(const CRvPathComponent& source) : CRvArt(source) {}
+  virtual int32_t GetPointCount() const = 0;
+};
+
+class CRvBezier : public CRvPathComponent {
+ public:
+  CRvBezier() = default;
+  CRvBezier(const CRvBezier& source) = default;
+  int16_t GetType() const override { return kArtBezier; }
+  int32_t GetPointCount() const override { return int32_t(m_points.size()); }
+
+  void AddPoint(const RVBEZIERPOINT& p) { m_points.push_back(p); }
+  /// Inserts before index i; i of 0 or less inserts at the front, i at or
+  /// past the count appends.
+  void InsertPoint(int32_t i, const RVBEZIERPOINT& p);
+  /// Removes point i and inserts p in its place. i must be valid.
+  void ReplacePoint(int32_t i, const RVBEZIERPOINT& p) { m_points[std::size_t(i)] = p; }
+  void RemovePoint(int32_t i) { m_points.erase(m_points.begin() + i); }
+  const RVBEZIERPOINT& GetPoint(int32_t i) const { return m_points[std::size_t(i)]; }
+  int32_t GetNextIndex(int32_t i) const { return i + 1 >= GetPointCount() ? 0 : i + 1; }
+  int32_t GetPrevIndex(int32_t i) const { return i == 0 ? GetPointCount() - 1 : i - 1; }
+  uint8_t GetPointFlag(int32_t i) const { return m_points[std::size_t(i)].flags; }
+  void SetPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags = f; }
+  void OrPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags |= f; }
+
+  std::vector<RVBEZIERPOINT> m_points;
+  RVPOINT m_startIn{};   // `in` handle of the start of a closed curve
+  RVPOINT m_startOut{};  // the value that m_startIn takes on reversal
+  int m_startOutSet = 0;
+};
+
+class CRvArc : public CRvPathComponent {
+ public:
+  CRvArc() = default;
+  CRvArc(const CRvArc& source) = default;
+  int16_t GetType() const override { return kArtArc; }
+  int32_t GetPointCount() const override { return int32_t(m_points.size()); }
+
+  void AddPoint(const RVARCPOINT& p) { m_points.push_back(p); }
+  void RemovePoint(int32_t i) { m_points.erase(m_points.begin() + i); }
+  const RVARCPOINT& GetPoint(int32_t i) const { return m_points[std::size_t(i)]; }
+
+  std::vector<RVARCPOINT> m_points;
+};
+
+class CRvSpline : public CRvPathComponent {
+ public:
+  CRvSpline() = default;
+  CRvSpline(const CRvSpline& source) = default;
+  int16_t GetType() const override { return kArtSpline; }
+  int32_t GetPointCount() const override { return int32_t(m_points.size()); }
+
+  void AddPoint(const RVPOINT& p) { m_points.push_back(p); }
+  const RVPOINT& GetPoint(int32_t i) const { return m_points[std::size_t(i)]; }
+
+  std::vector<RVPOINT> m_points;
+};
+
+/// The art behind a handle (no check).
+inline CRvArt* ArtOf(void* handle) { return static_cast<CRvArt*>(handle); }
+
+/// True for the three component types.
+inline bool IsComponentType(int16_t type) {
+  return type == kArtBezier || type == kArtArc || type == kArtSpline;
+}
+
+/// Makes an empty art of `type` (1 to 6), or null for another type.
+std::unique_ptr<CRvArt> MakeArt(int16_t type);
+
+/// Makes a copy of `source` by the copying rules of its class (types 1 to 6),
+/// or null for another type.
+std::unique_ptr<CRvArt> CopyArt(const CRvArt& source);
+
+}  // namespace rv

@@ -1,0 +1,213 @@
+#include <gtest/gtest.h>
+
+#include <csetjmp>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "frame/frame.h"
+#include "frame/progress.h"
+#include "model/data_access.h"
+
+namespace {
+
+std::vector<std::string> gTraced;
+void CollectTrace(void*, const char* text) { gTraced.emplace_back(text); }
+
+class FrameTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    gTraced.clear();
+    RvGiSetTraceFunction(CollectTrace, nullptr);
+  }
+  void TearDown() override {
+    RvGiSetTraceFunction(nullptr, nullptr);
+    EXPECT_EQ(g_ExceptionContext, nullptr);
+  }
+};
+
+TEST_F(FrameTest, CodesSplitBackIntoModuleDetailAndLowByte) {
+  EXPECT_EQ(gMakeErrCode(6, 16), 0x06001001u);
+  EXPECT_EQ(gMakeErrCode(10, 31), 0x0A001F01u);
+  for (unsigned m = 0; m < 256; ++m) {
+    for (unsigned d = 0; d < 65536; d += (d < 300 ? 1 : 257)) {
+      uint8_t module = 0, low = 0;
+      uint16_t detail = 0;
+      gGetErrContens(gMakeErrCode(uint8_t(m), uint16_t(d)), &module, &detail, &low);
+      ASSERT_EQ(module, m);
+      ASSERT_EQ(detail, d);
+      ASSERT_EQ(low, 1);
+    }
+  }
+}
+
+TEST_F(FrameTest, ExceptionWithEmptyStackTracesAndReturns) {
+  Exception(0);
+  EXPECT_TRUE(gTraced.empty());
+  uint32_t before = gGetLastError();
+  Exception(0x05000D01);  // no frame: the caller goes on
+  EXPECT_EQ(gGetLastError(), before);
+  ASSERT_EQ(gTraced.size(), 1u);
+  EXPECT_EQ(gTraced[0], "Error:program stopped.(code = 83889409)");
+}
+
+TEST_F(FrameTest, FailureThreeFramesDeepComesBackUnchanged) {
+  auto inner = [] { return rv::Guard([] { rv::Raise(rv::ErrCode(3, 13)); }); };
+  auto middle = [&] { return rv::Guard([&] { rv::Check(inner()); }); };
+  uint32_t code = rv::Guard([&] {
+    EXPECT_NE(g_ExceptionContext, nullptr);
+    rv::Check(middle());
+    ADD_FAILURE() << "the failure must end the outer body";
+  });
+  EXPECT_EQ(code, 0x03000D01u);
+  EXPECT_EQ(gGetLastError(), 0x03000D01u);
+  EXPECT_EQ(g_ExceptionContext, nullptr);
+  // A failing and a succeeding frame in turn leave the stack as they found it.
+  EXPECT_EQ(rv::Guard([] { rv::Raise(7); }), 7u);
+  EXPECT_EQ(rv::Guard([] {}), 0u);
+  EXPECT_TRUE(gTraced.empty());
+}
+
+TEST_F(FrameTest, ExceptionZeroInsideFramesDoesNothing) {
+  uint32_t code = rv::Guard([] {
+    rv::Guard([] { Exception(0); });
+    Exception(0);
+  });
+  EXPECT_EQ(code, 0u);
+}
+
+TEST_F(FrameTest, HostFrameIsReachedThroughLongjmp) {
+  ExceptionInfo info;
+  volatile int jumped = 0;
+  if (setjmp(info.context) == 0) {
+    PushExceptionInfo(&info);
+    EXPECT_EQ(g_ExceptionContext, &info);
+    Exception(0x0A001F01);
+    ADD_FAILURE() << "Exception must not return with a host frame open";
+    PopExceptionInfo(&info);
+  } else {
+    jumped = 1;
+  }
+  EXPECT_EQ(jumped, 1);
+  EXPECT_EQ(gGetLastError(), 0x0A001F01u);
+  EXPECT_EQ(g_ExceptionContext, nullptr);  // Exception popped the host's record
+}
+
+TEST_F(FrameTest, LibraryFrameUnderHostFrameReturnsItsCode) {
+  ExceptionInfo info;
+  if (setjmp(info.context) == 0) {
+    PushExceptionInfo(&info);
+    RVRIFMATRIX singular{0, 0, 0, 0, 1, 1}, out{};
+    // A framed export catches its own failure: no jump to the host.
+    EXPECT_EQ(RvMiSetInvertMatrix(&singular, &out), 0x08001901u);
+    EXPECT_EQ(g_ExceptionContext, &info);
+    PopExceptionInfo(&info);
+  } else {
+    ADD_FAILURE() << "a framed export must not jump";
+  }
+  // A frameless operation hands its failure to the host's recovery point.
+  ExceptionInfo host;
+  volatile int reached = 0;
+  if (setjmp(host.context) == 0) {
+    PushExceptionInfo(&host);
+    rv::GuardThenException([] { rv::Raise(rv::ErrCode(6, 16)); });
+    PopExceptionInfo(&host);
+  } else {
+    reached = 1;
+  }
+  EXPECT_EQ(reached, 1);
+  EXPECT_EQ(gGetLastError(), 0x06001001u);
+}
+
+TEST_F(FrameTest, StandardExceptionLeavesStackAsItWas) {
+  ExceptionInfo host;
+  PushExceptionInfo(&host);
+  EXPECT_THROW(rv::Guard([] { rv::Guard([] { throw std::out_of_range("invalid vector<T> subscript"); }); }),
+               std::out_of_range);
+  EXPECT_EQ(g_ExceptionContext, &host);
+  PopExceptionInfo(&host);
+  EXPECT_TRUE(gTraced.empty());
+  // The library still works afterwards.
+  EXPECT_EQ(rv::Guard([] { rv::Raise(5); }), 5u);
+}
+
+TEST_F(FrameTest, PopOfAForeignRecordIsTracedAndPopsTheHead) {
+  ExceptionInfo a, b;
+  PushExceptionInfo(&a);
+  PushExceptionInfo(&b);
+  PopExceptionInfo(&a);
+  ASSERT_EQ(gTraced.size(), 1u);
+  EXPECT_EQ(gTraced[0], "Fatal error in internalroutine of exception handler.\n");
+  EXPECT_EQ(g_ExceptionContext, &a);
+  PopExceptionInfo(&a);
+}
+
+TEST_F(FrameTest, MessagesGoToTheTraceSinkUnlessAHostTakesThem) {
+  rv::ShowMessage("EntryBothSidesCutInfo:Error", "test");
+  ASSERT_EQ(gTraced.size(), 1u);
+  EXPECT_EQ(gTraced[0], "test: EntryBothSidesCutInfo:Error\n");
+  std::string seen;
+  RvGiSetMessageFunction(
+      [](void* ctx, const char* text, const char* title) {
+        *static_cast<std::string*>(ctx) = std::string(title) + "|" + text;
+      },
+      &seen);
+  rv::ShowMessage("text", "title");
+  RvGiSetMessageFunction(nullptr, nullptr);
+  EXPECT_EQ(seen, "title|text");
+  EXPECT_EQ(gTraced.size(), 1u);
+}
+
+struct ProgressLog {
+  std::vector<std::string> events;
+  int cancelAt = -1;
+};
+
+TEST_F(FrameTest, ProgressReportsInOrderAndCanCancel) {
+  ProgressLog log;
+  auto step = [](void* c, int16_t p, int32_t* cancel) {
+    auto* l = static_cast<ProgressLog*>(c);
+    EXPECT_EQ(*cancel, 0);
+    l->events.push_back("step " + std::to_string(p));
+    if (p == l->cancelAt) *cancel = 1;
+  };
+  auto range = [](void* c, int16_t lo, int16_t hi) {
+    static_cast<ProgressLog*>(c)->events.push_back("range " + std::to_string(lo) + "," + std::to_string(hi));
+  };
+  auto begin = [](void* c) { static_cast<ProgressLog*>(c)->events.push_back("begin"); };
+  auto end = [](void* c) { static_cast<ProgressLog*>(c)->events.push_back("end"); };
+  auto message = [](void* c, char* text) { static_cast<ProgressLog*>(c)->events.push_back(text); };
+  ASSERT_EQ(RvGiSetProgressFunction(step, range, begin, end, message), 0u);
+
+  const rv::ProgressCallbacks& p = rv::Progress();
+  p.BeginStage(&log);
+  EXPECT_FALSE(p.Step(&log, 0, "Sorting.... %d %%"));
+  log.cancelAt = 50;
+  EXPECT_TRUE(p.Step(&log, 50, "Sorting.... %d %%"));
+  p.EndStage(&log);
+  std::vector<std::string> expected{"begin", "range 0,100", "step 0", "Sorting.... 0 %",
+                                    "step 50", "Sorting.... 50 %", "end"};
+  EXPECT_EQ(log.events, expected);
+
+  // Without a step callback no message is sent and nothing can cancel.
+  log.events.clear();
+  RvGiSetProgressFunction(nullptr, nullptr, nullptr, nullptr, message);
+  EXPECT_FALSE(rv::Progress().Step(&log, 10, "Createing plot data... %d %%"));
+  rv::Progress().BeginStage(&log);
+  EXPECT_TRUE(log.events.empty());
+  RvGiSetProgressFunction(nullptr, nullptr, nullptr, nullptr, nullptr);
+}
+
+TEST_F(FrameTest, VersionIsFixedAndTheRequestedPairIsOnlyStored) {
+  EXPECT_EQ(rv::CRvDataAccess::Instance().UseVersion(), 0x30001u);
+  RvGiSetUseLibVersion(2, 7);
+  EXPECT_EQ(rv::CRvDataAccess::Instance().UseVersion(), 0x70002u);
+  int16_t major = 0, minor = 0, revision = 9;
+  RvGiGetLibVersion(&major, &minor, &revision);
+  EXPECT_EQ(major, 1);
+  EXPECT_EQ(minor, 3);
+  EXPECT_EQ(revision, 0);
+  RvGiSetUseLibVersion(1, 3);
+}
+
+}  // namespace
