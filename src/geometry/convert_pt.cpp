@@ -170,18 +170,14 @@ void CheckScale(double scale) {
 
 // ---------------------------------------------------------------------------
 
-std::vector<RVCURVEPOINT> CRvConvertPt::TakeList() {
-  std::vector<RVCURVEPOINT> out;
-  out.swap(m_list);
-  return out;
-}
+CurveList CRvConvertPt::TakeList() { return std::move(m_list); }
 
 void CRvConvertPt::AppendPolyline(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
   m_list.push_back(PointRecord(a.anchor));
   FlattenCurve(a, b, m_maxLength, m_tolerance, m_mode, m_list);
 }
 
-std::vector<RVCURVEPOINT> CRvConvertPt::ArcToCurves(const RVARCPOINT& arc) {
+CurveList CRvConvertPt::ArcToCurves(const RVARCPOINT& arc) {
   m_list.clear();
   double sweep = std::fabs(arc.sweep);
   if (!(sweep > 0.0)) {
@@ -221,13 +217,13 @@ std::vector<RVCURVEPOINT> CRvConvertPt::ArcToCurves(const RVARCPOINT& arc) {
   return TakeList();
 }
 
-std::vector<RVCURVEPOINT> CRvConvertPt::CurvesToPoints(const RVBEZIERPOINT* points, int32_t count) {
+CurveList CRvConvertPt::CurvesToPoints(const RVBEZIERPOINT* points, int32_t count) {
   m_list.clear();
   for (int32_t i = 0; i + 1 < count; ++i) AppendPolyline(points[i], points[i + 1]);
   return TakeList();
 }
 
-std::vector<RVCURVEPOINT> CRvConvertPt::CurvesToArc(const RVBEZIERPOINT* points, int32_t count, double scale) {
+CurveList CRvConvertPt::CurvesToArc(const RVBEZIERPOINT* points, int32_t count, double scale) {
   m_list.clear();
   CheckScale(scale);
   if (count < 2) return TakeList();
@@ -265,7 +261,7 @@ std::vector<RVCURVEPOINT> CRvConvertPt::CurvesToArc(const RVBEZIERPOINT* points,
   return TakeList();
 }
 
-std::vector<RVCURVEPOINT> CRvConvertPt::CurvesToSpline(RVBEZIERPOINT* points, int32_t count, double scale) {
+CurveList CRvConvertPt::CurvesToSpline(RVBEZIERPOINT* points, int32_t count, double scale) {
   m_list.clear();
   CheckScale(scale);
   if (count < 2) return TakeList();
@@ -444,19 +440,12 @@ double CRvConvertPt::CenterAngle(const RVARCPOINT& arc, const RVPOINT& point, bo
   return std::fabs(2 * std::atan(2 * cross / d2) + v * kPi);
 }
 
-void HandOut(std::vector<RVCURVEPOINT>&& list, RVCURVEPOINT** result, int32_t* count) {
-  const std::vector<RVCURVEPOINT> owned = std::move(list);
+void HandOut(CurveList&& list, RVCURVEPOINT** result, int32_t* count) {
+  CurveList owned = std::move(list);
   if (owned.size() > std::size_t(std::numeric_limits<int32_t>::max())) Raise(kErrCurveTooLarge);
-  if (owned.empty()) {
-    *result = nullptr;
-    *count = 0;
-    return;
-  }
-  void* memory = std::malloc(owned.size() * sizeof(RVCURVEPOINT));
-  if (memory == nullptr) throw std::bad_alloc();
-  std::memcpy(memory, owned.data(), owned.size() * sizeof(RVCURVEPOINT));
-  *result = static_cast<RVCURVEPOINT*>(memory);
-  *count = int32_t(owned.size());
+  const auto n = int32_t(owned.size());
+  *result = owned.Release();
+  *count = n;
 }
 
 }  // namespace rv

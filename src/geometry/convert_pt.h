@@ -1,15 +1,16 @@
 // CRvConvertPt: the worker behind the curve exports. One lives for one call
 // on the stack: set its parameters, call one operation, take the records.
 //
-// The operations that produce records return them as a vector and leave the
-// worker's list empty; HandOut turns such a vector into an array that belongs
-// to the host until RvMiFreePoints. Failures are raised (rv::Raise) and reach
+// The operations that produce records return them as a CurveList and leave
+// the worker's list empty; HandOut gives such a list to the host as the array
+// that belongs to it until RvMiFreePoints. Failures are raised (rv::Raise) and reach
 // the caller's frame; nothing is handed out then.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
+#include "geometry/curve_list.h"
 #include "rvdataaccess.h"
 
 namespace rv {
@@ -28,21 +29,21 @@ class CRvConvertPt {
 
   /// Bezier points (kind 2) of an arc, at most 60 degrees a piece, every
   /// coordinate rounded to 0.001.
-  std::vector<RVCURVEPOINT> ArcToCurves(const RVARCPOINT& arc);
+  CurveList ArcToCurves(const RVARCPOINT& arc);
 
   /// Polyline (kind 0) of the curves points[0..count-1] with m_maxLength,
   /// m_tolerance and m_mode: for each curve its first anchor, then its chords'
   /// end points. Fewer than two points give no records.
-  std::vector<RVCURVEPOINT> CurvesToPoints(const RVBEZIERPOINT* points, int32_t count);
+  CurveList CurvesToPoints(const RVBEZIERPOINT* points, int32_t count);
 
   /// Arcs (kind 1, divided by `scale`) and polylines (kind 0, undivided)
   /// fitted in single precision to the curve of the last two points.
-  std::vector<RVCURVEPOINT> CurvesToArc(const RVBEZIERPOINT* points, int32_t count, double scale);
+  CurveList CurvesToArc(const RVBEZIERPOINT* points, int32_t count, double scale);
 
   /// Spline triples (kind 3, divided by `scale`) and points (kind 0) of the
   /// curve points[0]-points[1]. A nearly straight curve gets its four handles
   /// put on their anchors, in the caller's array.
-  std::vector<RVCURVEPOINT> CurvesToSpline(RVBEZIERPOINT* points, int32_t count, double scale);
+  CurveList CurvesToSpline(RVBEZIERPOINT* points, int32_t count, double scale);
 
   /// Points of the interpolating spline through points[1..count] (element 0
   /// isn't read) into `result`, which has room for 21 * (count - 1) points.
@@ -67,14 +68,14 @@ class CRvConvertPt {
   static double CenterAngle(const RVARCPOINT& arc, const RVPOINT& point, bool reverse);
 
  private:
-  std::vector<RVCURVEPOINT> TakeList();
+  CurveList TakeList();
   void AppendPolyline(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b);
 
-  std::vector<RVCURVEPOINT> m_list;
+  CurveList m_list;
 };
 
-/// Hands `list` to the host as an array that RvMiFreePoints releases: null
+/// Hands `list` to the host as the array that RvMiFreePoints releases: null
 /// with count 0 when the list is empty. Sets *result and *count.
-void HandOut(std::vector<RVCURVEPOINT>&& list, RVCURVEPOINT** result, int32_t* count);
+void HandOut(CurveList&& list, RVCURVEPOINT** result, int32_t* count);
 
 }  // namespace rv

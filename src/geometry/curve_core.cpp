@@ -122,7 +122,7 @@ void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLeng
 }
 
 void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
-                  int mode, std::vector<RVCURVEPOINT>& out) {
+                  int mode, CurveList& out) {
   auto sink = [&out](const RVPOINT& p) { out.push_back(PointRecord(p)); };
   Flatten(a, b, maxLength, tolerance, mode, sink);
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "frame/frame.h"
+#include "geometry/curve_list.h"
 #include "rvdataaccess.h"
 
 namespace rv {
@@ -64,7 +65,7 @@ void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLeng
 
 /// The same, appending kind 0 RVCURVEPOINT records.
 void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
-                  int mode, std::vector<RVCURVEPOINT>& out);
+                  int mode, CurveList& out);
 
 /// The polyline of a curve as RvMiCurvesToPoints gives it for two points:
 /// a.anchor, then the chords' end points.
