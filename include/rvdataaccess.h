@@ -229,7 +229,8 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
  *               RvMiCurvesToArc;
  *   0x08000E01  a curve whose flattening would give more than 1048576 points
  *               (coordinates far outside any drawing, or maxLength <= 0 on a
- *               huge curve), or an arc fit that makes no progress.
+ *               huge curve), a result of more than 33554432 records, or an
+ *               arc fit that makes no progress.
  */
 
 /** The arc fields of a kind 1 RVCURVEPOINT. */

@@ -8,6 +8,7 @@
 #include <limits>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "frame/frame.h"
 #include "geometry/affine.h"
@@ -175,6 +176,11 @@ CurveList CRvConvertPt::TakeList() { return std::move(m_list); }
 void CRvConvertPt::AppendPolyline(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
   m_list.push_back(PointRecord(a.anchor));
   FlattenCurve(a, b, m_maxLength, m_tolerance, m_mode, m_list);
+  CheckListSize();
+}
+
+void CRvConvertPt::CheckListSize() const {
+  if (m_list.size() > kMaxRecords) Raise(kErrCurveTooLarge);
 }
 
 CurveList CRvConvertPt::ArcToCurves(const RVARCPOINT& arc) {

@@ -7,8 +7,8 @@
 // the caller's frame; nothing is handed out then.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "geometry/curve_list.h"
 #include "rvdataaccess.h"
@@ -21,6 +21,10 @@ class CRvConvertPt {
   virtual ~CRvConvertPt() = default;
   CRvConvertPt(const CRvConvertPt&) = delete;
   CRvConvertPt& operator=(const CRvConvertPt&) = delete;
+
+  /// Most records that one operation may collect (2.7 GB); beyond it the
+  /// operation fails with kErrCurveTooLarge.
+  static constexpr std::size_t kMaxRecords = std::size_t(1) << 25;
 
   // Parameters of the flattening (see rv::IsFlat).
   double m_tolerance = 0.81;
@@ -70,6 +74,7 @@ class CRvConvertPt {
  private:
   CurveList TakeList();
   void AppendPolyline(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b);
+  void CheckListSize() const;
 
   CurveList m_list;
 };
