@@ -225,6 +225,14 @@ CurveList CRvConvertPt::ArcToCurves(const RVARCPOINT& arc) {
 
 CurveList CRvConvertPt::CurvesToPoints(const RVBEZIERPOINT* points, int32_t count) {
   m_list.clear();
+  // Count first, then fill a list of the exact size: flattening costs less
+  // than growing (copying and faulting in) a large result array.
+  std::size_t total = 0;
+  for (int32_t i = 0; i + 1 < count; ++i) {
+    total += 1 + CountFlattenPoints(points[i], points[i + 1], m_maxLength, m_tolerance, m_mode);
+    if (total > kMaxRecords) Raise(kErrCurveTooLarge);
+  }
+  m_list.reserve(total);
   for (int32_t i = 0; i + 1 < count; ++i) AppendPolyline(points[i], points[i + 1]);
   return TakeList();
 }

@@ -127,6 +127,14 @@ void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLeng
   Flatten(a, b, maxLength, tolerance, mode, sink);
 }
 
+std::size_t CountFlattenPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
+                               double tolerance, int mode) {
+  std::size_t count = 0;
+  auto sink = [&count](const RVPOINT&) { ++count; };
+  Flatten(a, b, maxLength, tolerance, mode, sink);
+  return count;
+}
+
 double PolylineLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
                       int mode) {
   RVPOINT last = a.anchor;

@@ -75,6 +75,10 @@ inline void CurveToPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double
   FlattenCurve(a, b, maxLength, tolerance, mode, out);
 }
 
+/// Number of points that FlattenCurve appends for the curve a-b.
+std::size_t CountFlattenPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
+                               double tolerance, int mode);
+
 /// Length of the polyline of the curve a-b flattened with the given
 /// parameters: the sum of the distances of consecutive points, in order.
 double PolylineLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,

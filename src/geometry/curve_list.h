@@ -39,6 +39,10 @@ class CurveList {
     m_data[m_size++] = record;
   }
   void clear() noexcept { m_size = 0; }
+  /// Makes room for at least `capacity` records.
+  void reserve(std::size_t capacity) {
+    if (capacity > m_capacity) Resize(capacity);
+  }
 
   std::size_t size() const noexcept { return m_size; }
   bool empty() const noexcept { return m_size == 0; }
@@ -70,7 +74,11 @@ class CurveList {
   void Grow() {
     const std::size_t limit = std::size_t(-1) / sizeof(RVCURVEPOINT) / 2;
     if (m_capacity > limit) throw std::bad_alloc();
-    const std::size_t capacity = m_capacity == 0 ? 16 : m_capacity * 2;
+    Resize(m_capacity == 0 ? 16 : m_capacity * 2);
+  }
+
+  void Resize(std::size_t capacity) {
+    if (capacity > std::size_t(-1) / sizeof(RVCURVEPOINT)) throw std::bad_alloc();
     void* grown = std::realloc(m_data, capacity * sizeof(RVCURVEPOINT));
     if (grown == nullptr) throw std::bad_alloc();  // the old buffer stays ours
     m_data = static_cast<RVCURVEPOINT*>(grown);
