@@ -393,6 +393,17 @@ TEST(CurvesToArc, BadInput) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const RVBEZIERPOINT odd[2] = {Corner(nan, 0), Corner(1, 0)};
   EXPECT_EQ(RvMiCurvesToArc(odd, 2, 31000.0, 0.03, &out, &n, 1.0), kBadArgument);
+
+  // Failing half way (the start record is already collected) leaves nothing
+  // behind: the sanitizer build checks that no memory leaks.
+  const RVBEZIERPOINT huge[2] = {Corner(-1e6, 0), Corner(1e6, 0)};
+  out = reinterpret_cast<RVCURVEPOINT*>(0x1);
+  EXPECT_EQ(RvMiCurvesToArc(huge, 2, 0.0, 0.03, &out, &n, 1.0), kTooLarge);
+  EXPECT_EQ(out, nullptr);
+  RVBEZIERPOINT line[2] = {Corner(-1e6, 0), Corner(1e6, 0)};
+  EXPECT_EQ(RvMiCurvesToSpline(line, 2, 0.0, 0.03, &out, &n, 1.0), kTooLarge);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(g_ExceptionContext, nullptr);
 }
 
 TEST(CurvesToSpline, NearlyStraightCurvesLoseTheirHandles) {
