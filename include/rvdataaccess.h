@@ -213,6 +213,131 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
  * Curve operations
  * ====================================================================== */
 
+/* Curves of paths are given as two consecutive RVBEZIERPOINT records a, b:
+ * a.anchor, a.out, b.in, b.anchor. Positions are compared on a grid of 0.01:
+ * a coordinate's cell is the coordinate times 100 truncated toward zero.
+ *
+ * Results come as arrays of RVCURVEPOINT that the library allocates and the
+ * host releases with RvMiFreePoints (and nothing else). An empty result is a
+ * null array with count 0. On failure the outputs are null and 0 and nothing
+ * needs releasing.
+ *
+ * Codes of this section beyond the general table:
+ *   0x08000D01  a null pointer, a negative count, a count above the limit
+ *               of RvMiSplineToPoints, a scale of 0 or not finite, or a
+ *               coordinate that doesn't fit single precision in
+ *               RvMiCurvesToArc;
+ *   0x08000E01  a curve whose flattening would give more than 1048576 points
+ *               (coordinates far outside any drawing, or maxLength <= 0 on a
+ *               huge curve), a result of more than 33554432 records, or an
+ *               arc fit that makes no progress.
+ */
+
+/** The arc fields of a kind 1 RVCURVEPOINT. */
+typedef struct RVCURVEARC {
+  double startX, startY;
+  double endX, endY;
+  double midX, midY;       /* the point of the fitted Bezier piece at t = 0.5 */
+  double centreX, centreY;
+  int16_t direction;       /* -1 counter-clockwise (centre left of the travel), +1 clockwise */
+} RVCURVEARC;
+
+/** One result record of a curve conversion: `kind` and the fields of that
+ *  kind, in a union that starts at offset 8. Every record of an array has
+ *  the size of the largest variant (80 bytes); fields that the kind doesn't
+ *  use have no defined value.
+ *    kind 0  point:        point (x, y)
+ *    kind 1  arc:          arc (startX .. centreY, direction)
+ *    kind 2  Bezier point: bezier.anchor, bezier.in, bezier.out as in
+ *                          RVBEZIERPOINT, bezier.flags 0, so that the member
+ *                          can be copied into a path as it stands
+ *    kind 3  spline triple: spline[0], spline[1], spline[2] */
+typedef struct RVCURVEPOINT {
+  int16_t kind;
+  union {
+    RVPOINT point;
+    RVCURVEARC arc;
+    RVBEZIERPOINT bezier;
+    RVPOINT spline[3];
+  };
+} RVCURVEPOINT;
+
+/** Bezier points (kind 2) of an arc: pieces of at most 60 degrees, n + 1
+ *  records for n pieces, every coordinate rounded half away from zero to
+ *  0.001. The first record is `from`, the last `to`; their far handles sit on
+ *  their anchors. A sweep above 360 degrees counts as 360 (seven records); a
+ *  sweep of 0 (or not a number) gives two records, `from` and `to`, with the
+ *  handles on their anchors. An arc whose `from` is its centre gives anchors
+ *  on the centre and handles on the anchors. */
+RV_API uint32_t RvMiArcToCurves(const RVARCPOINT* arc, RVCURVEPOINT** result, int32_t* resultCount);
+
+/** Polyline (kind 0) of the curves between consecutive points: for each curve
+ *  its first anchor, then the end points of its chords, which are at most
+ *  maxLength long and keep handles within tolerance of the chord (mode 1; with
+ *  mode 0 curves are cut down to the 0.01 grid). A shared anchor thus appears
+ *  twice. Fewer than two points give an empty result. */
+RV_API uint32_t RvMiCurvesToPoints(const RVBEZIERPOINT* points, int32_t count, double maxLength,
+                                   double tolerance, RVCURVEPOINT** result, int32_t* resultCount,
+                                   int32_t mode);
+
+/** Fits circular arcs, in single precision on coordinates rounded to 0.001,
+ *  to the curve of the last two points (count is normally 2; fewer give an
+ *  empty result). Arcs are kind 1 records divided by scale; pieces that stay
+ *  straight are kind 0 records (start, polyline, end repeated), not divided. */
+RV_API uint32_t RvMiCurvesToArc(const RVBEZIERPOINT* points, int32_t count, double maxLength,
+                                double tolerance, RVCURVEPOINT** result, int32_t* resultCount,
+                                double scale);
+
+/** Spline triples (kind 3, divided by scale) along the polyline of the curve
+ *  points[0]-points[1], and a closing point (kind 0, not divided) where the
+ *  triples leave one over. A curve within 0.1 degree of its chord at both ends
+ *  gets all four handles put on their anchors, in the caller's array. Fewer
+ *  than two points give an empty result. */
+RV_API uint32_t RvMiCurvesToSpline(RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
+                                   RVCURVEPOINT** result, int32_t* resultCount, double scale);
+
+/** Points of the interpolating cubic spline through points[1] .. points[count]
+ *  (points[0] isn't read; count at most 199) into the caller's result, which
+ *  must hold 21 * (count - 1) points: up to 21 per chord, points[1] not
+ *  included. A repeated point makes the result the input points as they
+ *  stand. A count of 0 or 1 gives no points. */
+RV_API uint32_t RvMiSplineToPoints(const RVPOINT* points, int32_t count, RVPOINT* result,
+                                   int32_t* resultCount);
+
+/** De Casteljau split of the curve a-b at t (not clamped): middle gets in,
+ *  anchor and out; a.out and b.in become the handles of the two halves. */
+RV_API uint32_t RvMiDivideBezier(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double t, RVBEZIERPOINT* middle);
+
+/** Splits the curve a-b where its first part is `length` long, within 1.0
+ *  (a negative length counts as 0), and writes the parts back as
+ *  RvMiDivideBezier does. The search starts at t = 0.5 and steps t by half of
+ *  itself, so a length beyond the curve's end extends the curve. A curve of
+ *  no length (all four positions equal) is split at t = 0.5. Otherwise the
+ *  search ends after 10000 passes at most, or when t leaves the finite range,
+ *  and then gives the pass that came closest. Failures go to Exception(). */
+RV_API void RvMiDivideBezierByLength(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double length, RVBEZIERPOINT* middle);
+
+/** Length of the curve a-b: its polyline with maxLength 31000.0, tolerance
+ *  0.042, mode 1, summed. Failures go to Exception(). */
+RV_API void RvMiGetBezierLength(const RVBEZIERPOINT* a, const RVBEZIERPOINT* b, double* length);
+
+/** Signed angle at vertex from p1 to p3 (atan2 of cross and dot product, so
+ *  within [-pi, pi]); 0.0 when two of the points are equal or one is null. */
+RV_API double RvMiCalcAngleOfThreePoints(const RVPOINT* p1, const RVPOINT* vertex, const RVPOINT* p3);
+
+/** The angle that a path turns through at point, in [0, 2 pi); pi on a smooth
+ *  path. A handle within the 0.01 cell of its anchor is replaced by the point
+ *  of the neighbouring curve at t = 0.9 (in) or 0.1 (out). */
+RV_API double RvMiCalcAngleOfBezier(RVBEZIERPOINT point, RVBEZIERPOINT previous, RVBEZIERPOINT next);
+
+/** Angle of point on arc, seen from the centre and counted from `from` in the
+ *  arc's direction (the other way when reverse is non-zero): 0.0 for
+ *  direction 0 (or a null argument), 2 pi at `from` itself, pi opposite. */
+RV_API double RvMiGetCenterAngle(const RVARCPOINT* arc, const RVPOINT* point, int32_t reverse);
+
+/** Releases an array of the conversions above; null is accepted. Returns 0. */
+RV_API uint32_t RvMiFreePoints(RVCURVEPOINT* points);
+
 /* ======================================================================
  * Path judgments and start-point optimisation
  * ====================================================================== */
