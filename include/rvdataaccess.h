@@ -267,7 +267,8 @@ RV_API uint32_t RvGiSetDocBoundingBox(const RVRECT* rect);
  * A missing or unexpected reference gives 0x03000D01. Any other position
  * leaves the art unlinked, without parent, and succeeds. A container that
  * can't hold the new art's type (a group in a path, a Bezier in a compound)
- * leaves it out silently; the art still names that container as parent.
+ * leaves it out silently; the art still names that container as parent
+ * (until the container is destroyed: then it has none).
  * After a failure the out handle is null and nothing was made.
  *
  * Ownership: arts belong to the library. Deleting an art (RvGiDeleteArt)
