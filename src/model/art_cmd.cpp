@@ -132,6 +132,7 @@ void CRvArtCmd::ConvertCompoundToGroup(CRvDataAccess& store, CRvArt* group, CRvA
     }
   }
   compound->m_parent = nullptr;
+  store.WatchOutward(compound);
 }
 
 // ---------------------------------------------------------------- walking

@@ -79,10 +79,6 @@ void CRvDataAccess::SetDocBoundBox(const RVRECT& rect) { ActiveDocument().SetDoc
 
 // ---------------------------------------------------------------- unlinked arts
 
-void CRvDataAccess::KeepUnlinked(std::unique_ptr<CRvArt> art) {
-  if (art) m_unlinked.push_back(std::move(art));
-}
-
 namespace {
 
 // Whether a kept art may point into a tree that is about to go: a refused
@@ -96,15 +92,20 @@ bool PointsOutward(const CRvArt& art) {
 
 }  // namespace
 
+void CRvDataAccess::KeepUnlinked(std::unique_ptr<CRvArt> art) {
+  if (!art) return;
+  if (PointsOutward(*art)) m_outward.push_back(art.get());
+  m_unlinked.push_back(std::move(art));
+}
+
+void CRvDataAccess::WatchOutward(CRvArt* art) {
+  if (art != nullptr && PointsOutward(*art)) m_outward.push_back(art);
+}
+
 void CRvDataAccess::DropReferencesInto(const CRvArt& root) {
-  bool needed = false;
-  for (const auto& art : m_unlinked) {
-    if (PointsOutward(*art)) {
-      needed = true;
-      break;
-    }
-  }
-  if (!needed) return;
+  auto settled = [](const CRvArt* art) { return !PointsOutward(*art); };
+  std::erase_if(m_outward, settled);
+  if (m_outward.empty()) return;
 
   // Every art of the subtree, through the owning lists only.
   std::unordered_set<const CRvArt*> doomed;
@@ -120,7 +121,7 @@ void CRvDataAccess::DropReferencesInto(const CRvArt& root) {
       }
     }
   }
-  for (const auto& art : m_unlinked) {
+  for (CRvArt* art : m_outward) {
     if (art->m_parent != nullptr && doomed.count(art->m_parent) != 0) art->m_parent = nullptr;
     if (art->IsContainer()) {
       auto& container = static_cast<CRvContainerArt&>(*art);
@@ -129,6 +130,7 @@ void CRvDataAccess::DropReferencesInto(const CRvArt& root) {
       }
     }
   }
+  std::erase_if(m_outward, settled);
 }
 
 // ---------------------------------------------------------------- colours

@@ -76,6 +76,9 @@ class CRvDataAccess {
   /// Takes over an art that no list owns.
   void KeepUnlinked(std::unique_ptr<CRvArt> art);
   std::size_t UnlinkedCount() const { return m_unlinked.size(); }
+  /// Notes a kept art that may point into the tree (a refused child names
+  /// its container, a converted compound lists its former paths).
+  void WatchOutward(CRvArt* art);
   /// Called before the subtree of `root` is destroyed: clears what kept arts
   /// still point to inside it.
   void DropReferencesInto(const CRvArt& root);
@@ -190,6 +193,7 @@ class CRvDataAccess {
 
   std::vector<std::unique_ptr<CRvRIFData>> m_forgotten;  // from RvGiDeleteAllDocuments
   std::vector<std::unique_ptr<CRvArt>> m_unlinked;       // arts that no list owns
+  std::vector<CRvArt*> m_outward;                        // kept arts that may point into the tree
 };
 
 }  // namespace rv

@@ -364,3 +364,26 @@ TEST_F(Drawing, RefusedArtsForgetADestroyedParent) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(Drawing, DeepNestingIsWalkedAndDestroyedWithoutRecursion) {
+  void* layer = Layer();
+  void* parent = layer;
+  void* deepest = nullptr;
+  for (int i = 0; i < 200000; ++i) {
+    ASSERT_EQ(RvGiCreateArt(1, 4, parent, &deepest), 0u);
+    parent = deepest;
+  }
+  ASSERT_EQ(RvGiSetPathAttrFlag(Art(4, 5, deepest), 2), 0u);
+  int visits = 0;
+  auto count = [](void* context, void*) -> uint32_t {
+    ++*static_cast<int*>(context);
+    return 0;
+  };
+  ASSERT_EQ(RvGiTracePath(layer, 2, &visits, count), 0u);
+  EXPECT_EQ(visits, 1);
+  EXPECT_EQ(RvGiDeleteLayer(layer), 0u);
+}
+
+}  // namespace
