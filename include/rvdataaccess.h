@@ -217,6 +217,14 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
  * Path judgments and start-point optimisation
  * ====================================================================== */
 
+/** One element of the array of RvMiJudgeInsideOutsidePath. The caller fills
+ *  art (a path art) and sets inside to 0; the call sets inside to 1 for a
+ *  path that lies at an odd depth inside the others. */
+typedef struct RVINSIDEPATH {
+  void* art;
+  int32_t inside;
+} RVINSIDEPATH;
+
 /* ======================================================================
  * Documents
  * ====================================================================== */
@@ -232,6 +240,138 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
 /* ======================================================================
  * RefMap tables
  * ====================================================================== */
+
+/* A RefMap table files art handles under text keys. It keeps the keys in
+ * bytewise order, for each key the arts filed under it (newest first), an
+ * info byte per key (bit value 2: the entry is output) and a cut order of the
+ * keys, which starts as the order of insertion and which every trace walks.
+ * Tables hold plain art pointers: destroy the tables before the documents.
+ *
+ * Tables are addressed by a 16-bit index `map`. A map that names no table
+ * throws std::out_of_range ("invalid vector<T> subscript") through the call,
+ * in every function that takes one, RvGiDeleteSpecificRefMapTable too; the
+ * library stays usable afterwards. A null text argument counts as the empty
+ * text; a null output pointer is not written.
+ *
+ * Trace callbacks get the context of the call and one art. A non-zero result
+ * ends the trace, and the trace returns it. A callback may file arts and
+ * change the tree, but must not unlink the art that it was given.
+ *
+ * Drilling (drill non-zero): a group or compound filed under a key is not
+ * passed itself; instead every path below it is, depth first, without
+ * entering paths. Other arts are passed as they are. A null art filed under
+ * a key is never passed to a callback. */
+
+/** Trace callback: a non-zero result ends the trace and becomes its result. */
+typedef uint32_t (*RvRefMapTraceFunc)(void* context, void* art);
+/** Trace callback that also gets the entry's user info. */
+typedef uint32_t (*RvRefMapTraceInfoFunc)(void* context, void* art, void* userInfo);
+
+/** Appends a new empty table; *map gets its index. Beyond 32767 tables the
+ *  call throws std::length_error. */
+RV_API uint32_t RvGiCreateRefMapTable(int16_t* map);
+/** Destroys all tables (not their arts) and empties the list. */
+RV_API uint32_t RvGiDeleteRefMapTable(void);
+/** Destroys table map; later tables move down by one. The remembered indexes
+ *  are not changed. */
+RV_API uint32_t RvGiDeleteSpecificRefMapTable(int16_t map);
+/** Files art under key. A new key takes info and goes to the end of the
+ *  insertion and cut orders; a known key gets the art in front of its arts
+ *  and keeps its info. */
+RV_API uint32_t RvGiAddRefMapData(int16_t map, const char* key, uint8_t info, void* art);
+/** Sets the info byte of key; a missing key is ignored. */
+RV_API uint32_t RvGiSetRefMapInfo(int16_t map, const char* key, uint8_t info);
+/** *info := the info byte of key, 0 for a missing key (code 0). */
+RV_API uint32_t RvGiFindRefMapInfo(int16_t map, const char* key, uint8_t* info);
+/** Sets the user info type of key. With type 1, data is a text of which the
+ *  entry keeps its own copy (a null text gives a null user info); earlier
+ *  copies stay valid as long as the table lives. With another type only the
+ *  type is stored. A missing key is ignored. */
+RV_API uint32_t RvGiSetRefMapUserInfo(int16_t map, const char* key, int16_t type, void* data);
+/** RvGiSetRefMapUserInfo for every key of the table, in key order. */
+RV_API uint32_t RvGiSetAllRefMapUserInfo(int16_t map, int16_t type, void* data);
+/** *value := the user info pointer of key, 0 for a missing key. */
+RV_API uint32_t RvGiGetRefMapUserInfo(int16_t map, const char* key, uint64_t* value);
+/** The number of keys of table map. */
+RV_API int32_t RvGiGetRefMapArtCount(int16_t map);
+/** Copies the key of item order of the cut order into key and, if the entry
+ *  has a user info text, that text into userInfo (else userInfo is left as
+ *  it is). An order outside the cut order throws std::out_of_range. */
+RV_API void RvGiGetInfoAtCutOrder(int16_t map, int16_t order, char* key, char* userInfo);
+/** Moves key in the cut order so that it becomes item number position (0 or
+ *  less: first; at or past the end: last). Returns 0, or -1 for a missing
+ *  key. */
+RV_API int32_t RvGiChangeCutOrder(int16_t map, const char* key, int32_t position);
+/** Orders the tile table (RvGiSetRefMapTileIndex) by tile number: both of
+ *  its orders become the keys prefix1, prefix2, ... ("%s%d") that exist, in
+ *  ascending number, up to count of them; other keys drop out of both
+ *  orders. When fewer than count such keys exist, all of them are taken
+ *  (the search ends after the last number that can be formed; keys longer
+ *  than 127 characters never match). Returns 0, or -1 when no tile table is
+ *  set. */
+RV_API int32_t RvGiRegistTileCutOrder(const char* prefix, int32_t count);
+/** Makes the cut order of every table its insertion order again. */
+RV_API void RvGiInitializeCutOrder(void);
+/** Reverses the cut order of table map and toggles its reversed flag. */
+RV_API void RvGiReverseRefMapCurOrder(int16_t map);
+
+/** For each entry of the cut order whose info shares a bit with mask (every
+ *  entry for mask 0): each of its arts in order, drilled if drill is set. */
+RV_API uint32_t RvGiRefMapTableTrace(int16_t map, uint8_t mask, void* context, RvRefMapTraceFunc callback,
+                                     int32_t drill);
+/** RvGiRefMapTableTrace with the entry's user info as third argument. */
+RV_API uint32_t RvGiRefMapTableTraceWithInfo(int16_t map, uint8_t mask, void* context,
+                                             RvRefMapTraceInfoFunc callback, int32_t drill);
+/** RvGiRefMapTableTrace that passes the arts as they are, never drilling. */
+RV_API uint32_t RvGiRefMapTablePathTrace(int16_t map, uint8_t mask, void* context, RvRefMapTraceFunc callback);
+/** The arts of one key. A missing key returns 0 without a call; an info
+ *  that shares no bit with mask (mask 0 always) gives 0x05001001. */
+RV_API uint32_t RvGiRefMapTableMatchTrace(int16_t map, const char* key, uint8_t mask, void* context,
+                                          RvRefMapTraceFunc callback, int32_t drill);
+/** One step of the cut order a call. Start with *state 0; each call visits
+ *  one entry and sets *state to 1 while entries follow, 2 after the last.
+ *  An entry whose info shares no bit with mask (any entry for mask 0 is
+ *  taken) is stepped over with code 0x06001001. A failing callback leaves
+ *  the walk on its entry. One walk position serves all tables. On a table
+ *  without entries, and on a call after *state came back 2, the call does
+ *  nothing and returns 0. A null state counts as 0. */
+RV_API uint32_t RvGiRefMapTableOrderTrace(int16_t map, uint8_t mask, int16_t* state, void* context,
+                                          RvRefMapTraceFunc callback, int32_t drill);
+/** For each entry of the cut order, unmasked: one call with its newest art. */
+RV_API uint32_t RvGiRefMapTableUniqTrace(int16_t map, void* context, RvRefMapTraceFunc callback);
+
+/* The remembered table indexes. They are only stored: the output reads them
+ * to find its tables. All start at -1 (0xFFFF, no table), except the plot
+ * condition index, which starts at 0. The setters never fail. */
+
+/** The main table: the arts to output. */
+RV_API uint32_t RvGiSetRefMapIndex(int16_t map);
+/** The table keyed by layer. */
+RV_API uint32_t RvGiSetRefMapLayerIndex(int16_t map);
+/** The table keyed by colour. */
+RV_API uint32_t RvGiSetRefMapColorIndex(int16_t map);
+/** The table keyed by tile; -1 makes RvGiRegistTileCutOrder refuse. */
+RV_API uint32_t RvGiSetRefMapTileIndex(int16_t map);
+/** The first table of the router offset output. */
+RV_API uint32_t RvGiSetRefMapRouterOffsetSIndex(int16_t map);
+/** The last table of the router offset output, inclusive. */
+RV_API uint32_t RvGiSetRefMapRouterOffsetEIndex(int16_t map);
+/** The table of the router plot. */
+RV_API uint32_t RvGiSetRefMapRouterPlotIndex(int16_t map);
+/** The table of the plot conditions. */
+RV_API uint32_t RvGiSetRefMapPlotConditionIndex(int16_t map);
+/** The first table of the hatching output. */
+RV_API uint32_t RvGiSetRefMapHatchingSIndex(int16_t map);
+/** The last table of the hatching output, inclusive. */
+RV_API uint32_t RvGiSetRefMapHatchingEIndex(int16_t map);
+/** The table of the hatching plot. */
+RV_API uint32_t RvGiSetRefMapHatchingPlotIndex(int16_t map);
+/** The hatching plot table index. */
+RV_API int16_t RvGiGetRefMapHatchingPlotIndex(void);
+/** The plot condition table index. */
+RV_API int16_t RvGiGetRefMapPlotConditionIndex(void);
+/** The router plot table index. */
+RV_API int16_t RvGiGetRefMapRouterPlotIndex(void);
 
 /* ======================================================================
  * File import
