@@ -350,6 +350,57 @@ typedef struct RVINSIDEPATH {
   int32_t inside;
 } RVINSIDEPATH;
 
+/* Path judgments are made on the coarse polyline of a path: its first
+ * component (a Bezier), walked from the start segment round, each segment
+ * from its point to the next (the last one closing to point 0 whether the
+ * path is marked closed or not) flattened with maxLength 2.0 and tolerance
+ * 2.0. Where a judgment applies the path's matrix, it maps the anchors only.
+ * A path that can't be read gives 0x06001001 (null path), 0x05000D01 (no
+ * component) or 0x05000E01 (a first component that isn't a Bezier). */
+
+/** Orientation of a Bezier component (not the path), without matrix: 1
+ *  clockwise, 2 counter-clockwise, 0 for no area or a component that can't
+ *  be read. closed has no effect. */
+RV_API int32_t RvMiJudgePathClockwise(void* path, int32_t closed);
+/** *inside := 1 when point lies inside the path (winding angle of its coarse
+ *  polyline above pi), else 0. */
+RV_API uint32_t RvMiJudgeInsidePoint(void* path, const RVPOINT* point, int32_t* inside);
+/** *inside := 1 when every point of the coarse polyline of path (but the last
+ *  of each segment) lies inside outer, else 0; 0 for a path without points. */
+RV_API uint32_t RvMiJudgeInsidePath(void* path, void* outer, int32_t* inside);
+/** Sorts the count elements of paths by absolute area, largest first (equal
+ *  areas keep their order), then flips `inside` of every path that lies
+ *  inside an earlier one with the same flag, so that the flag is the parity
+ *  of the nesting depth; invert non-zero flips all flags at the end. The
+ *  caller sets every inside to 0 first. Each path is read once per call;
+ *  pairs far apart cost a box comparison. */
+RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t count, int32_t invert);
+/** Whether a corner that turns by Angle degrees (LimitAngle the limit) is cut
+ *  from both sides: when bInside differs from bClockwise, Angle > LimitAngle;
+ *  when they are equal, -LimitAngle > Angle. Returns 1 or 0. */
+RV_API int32_t RvMiIsBothSidesCutLine(double Angle, double LimitAngle, int32_t bInside, int32_t bClockwise);
+/** Moves the start of a closed path to its best corner: the first straight
+ *  side (within 1 degree) that leaves a corner (a turn of more than 10
+ *  degrees), a longer straight one after it, or while there is none the
+ *  longest chord leaving a corner; the earlier index wins a tie. The points
+ *  are judged through matrix (null: identity). For type 5 the corner where
+ *  that side ends comes first, the points are only rotated and
+ *  *startSegment gets its old index; for any other type the corner where the
+ *  side begins comes first, the closed shape is kept (RvGiSortBezierPoint)
+ *  and *startSegment is 0. The component's start segment becomes 0. An open
+ *  path is left alone, *startSegment isn't written and the result is 0. A
+ *  failure to read the closed flag goes to Exception() first. */
+RV_API uint32_t RvMiOptimizeStartSegment(void* path, const RVRIFMATRIX* matrix, int16_t type,
+                                         int16_t* startSegment);
+/** Inserts a point into the Bezier component path between index and
+ *  index + 1, length along the curve a-b (RvMiDivideBezierByLength), where a
+ *  and b are the points at index and index + 1 given in the space that
+ *  matrix maps the component into; the two points are replaced by the split
+ *  halves mapped back. A matrix without inverse (0x08001901) changes nothing.
+ *  Failures go to Exception(). */
+RV_API void RvMiCreateJointSegment(void* path, int32_t index, const RVBEZIERPOINT* a, const RVBEZIERPOINT* b,
+                                   const RVRIFMATRIX* matrix, double length);
+
 /* ======================================================================
  * Documents
  * ====================================================================== */
@@ -734,6 +785,22 @@ RV_API int16_t RvGiGetRefMapHatchingPlotIndex(void);
 RV_API int16_t RvGiGetRefMapPlotConditionIndex(void);
 /** The router plot table index. */
 RV_API int16_t RvGiGetRefMapRouterPlotIndex(void);
+
+/** Union of the bounds (RvGiGetArtBounds) of the arts of the main table
+ *  (RvGiSetRefMapIndex) whose entries share a bit with mask, not drilled:
+ *  with mode non-zero the arts with attribute flag 2, with mode 0 those with
+ *  flag 2 and without flag 16. All zeros when no art counts. 0x03000601 when
+ *  the active document has no layer (or no document is active). */
+RV_API uint32_t RvGiGetArtsBoundsByFlag(RVRECT* rect, uint8_t mask, int32_t mode);
+/** Union of the bounds of the arts with attribute flag 2 filed under key in
+ *  the main table, paths inside groups and compounds included (a match trace
+ *  with mask 2: an entry without info bit 2 gives 0x05001001). All zeros and
+ *  0 for a key that isn't there. 0x03000601 as above. */
+RV_API uint32_t RvGiGetArtsBoundsByKey(RVRECT* rect, const char* key);
+/** 0 when every path of table map (entries with info bit 2, drilled) is a
+ *  register mark: open, in a group, without fill, with 3 points; else
+ *  0xFFFFFFFF at the first path that isn't, or the code of a failed read. */
+RV_API uint32_t RvGiCheckTombo(int16_t map);
 
 /* ======================================================================
  * File import
