@@ -4,12 +4,15 @@
 // every edge of the other path (an atan2 per edge), and the test of a path
 // does that for each of its points. NestingShape gives the same answers
 // faster: a point clearly outside the bounding box is outside, and any other
-// point is counted by edge crossings. Wherever the crossing count could
+// point is counted by the crossings of the few edges in its horizontal band
+// (every edge sits in the bands that its height, widened a little, touches).
+// Wherever the crossing count could
 // disagree with the angle sum (a point on or within rounding distance of an
 // edge or vertex, non-finite coordinates) the angle sum itself decides, so
 // every answer is the one of the plain test.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "geometry/judge_polyline.h"
@@ -39,12 +42,21 @@ class NestingShape {
   int CrossingInside(const RVPOINT& q) const;
 
   CoarsePolyline m_line;
-  std::vector<Edge> m_edges;
-  std::vector<RVPOINT> m_probes;  // the points that the path test asks about
-  bool m_finite = true;           // all coordinates finite: the fast answers apply
-  Box m_box;                      // of all points
-  double m_margin = 0;            // a point this far outside the box is surely outside
-  Box m_probeBox;
+  std::size_t m_edgeCount = 0;   // pairs of successive points within the lists
+  bool m_finite = true;          // all coordinates finite: the fast answers apply
+  Box m_box;                     // of all points
+  double m_margin = 0;           // a point this far outside the box is surely outside
+  Box m_probeBox;                // of the points that the path test asks about
+  // Horizontal bands over the box: band k holds copies of its edges in
+  // m_bandEdges[m_bandStart[k] .. m_bandStart[k + 1]).
+  double m_bandHeight = 0;
+  std::vector<uint32_t> m_bandStart;
+  std::vector<Edge> m_bandEdges;
+
+  template <class F>
+  void ForEachEdge(F&& f) const;
+  std::size_t BandOf(double y) const;
+  void MakeBands();
 };
 
 }  // namespace rv

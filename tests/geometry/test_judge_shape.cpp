@@ -169,6 +169,33 @@ TEST(NestingShape, PathTestAgreesWithThePlainOne) {
   EXPECT_FALSE(shapes.back().InsideOf(shapes[0])) << "a path without points is never inside";
 }
 
+TEST(NestingShape, SteepCombAgreesToo) {
+  // A comb of 300 teeth, each side running the full height: the edges can't
+  // be spread over many bands, so the shape makes do with fewer.
+  std::vector<RVPOINT> corners;
+  for (int t = 0; t < 300; ++t) {
+    corners.push_back({t * 4.0, 0.0});
+    corners.push_back({t * 4.0 + 1.0, 30.0});
+    corners.push_back({t * 4.0 + 3.0, 30.0});
+  }
+  corners.push_back({1200.0, 0.0});
+  corners.push_back({1200.0, -5.0});
+  corners.push_back({0.0, -5.0});
+  const CoarsePolyline comb = Polygon(corners);
+  const NestingShape shape(comb);
+  std::mt19937 rng(5);
+  std::uniform_real_distribution<double> x(-10.0, 1210.0), y(-8.0, 33.0);
+  int inside = 0;
+  for (int k = 0; k < 3000; ++k) {
+    const RVPOINT q{x(rng), y(rng)};
+    const bool expected = PlainContains(comb, q);
+    ASSERT_EQ(shape.Contains(q), expected) << q.x << ", " << q.y;
+    inside += expected;
+  }
+  EXPECT_GT(inside, 300);
+  EXPECT_LT(inside, 2700);
+}
+
 TEST(NestingShape, NonFiniteCoordinatesTakeThePlainRoute) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   const double inf = std::numeric_limits<double>::infinity();
