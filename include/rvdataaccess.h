@@ -363,7 +363,7 @@ typedef struct RVINSIDEPATH {
  *  be read. closed has no effect. */
 RV_API int32_t RvMiJudgePathClockwise(void* path, int32_t closed);
 /** *inside := 1 when point lies inside the path (winding angle of its coarse
- *  polyline above pi), else 0. */
+ *  polyline above pi), else 0. A null point gives 0x05000D01. */
 RV_API uint32_t RvMiJudgeInsidePoint(void* path, const RVPOINT* point, int32_t* inside);
 /** *inside := 1 when every point of the coarse polyline of path (but the last
  *  of each segment) lies inside outer, else 0; 0 for a path without points. */
