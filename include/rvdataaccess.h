@@ -368,13 +368,15 @@ RV_API uint32_t RvMiJudgeInsidePoint(void* path, const RVPOINT* point, int32_t* 
 /** *inside := 1 when every point of the coarse polyline of path (but the last
  *  of each segment) lies inside outer, else 0; 0 for a path without points. */
 RV_API uint32_t RvMiJudgeInsidePath(void* path, void* outer, int32_t* inside);
-/** Sorts the count elements of paths by absolute area, largest first (equal
+/** Sorts the elements of paths by absolute area, largest first (equal
  *  areas keep their order), then flips `inside` of every path that lies
  *  inside an earlier one with the same flag, so that the flag is the parity
  *  of the nesting depth; invert non-zero flips all flags at the end. The
- *  caller sets every inside to 0 first. Each path is read once per call;
- *  pairs far apart cost a box comparison. */
-RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t count, int32_t invert);
+ *  caller sets every inside to 0 first, and ends the array with an element
+ *  whose art is null (the terminator isn't moved; a null array is an empty
+ *  one). Each path is read once per call; pairs far apart cost a box
+ *  comparison. */
+RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t invert);
 /** Whether a corner that turns by Angle degrees (LimitAngle the limit) is cut
  *  from both sides: when bInside differs from bClockwise, Angle > LimitAngle;
  *  when they are equal, -LimitAngle > Angle. Returns 1 or 0. */
