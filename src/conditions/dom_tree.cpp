@@ -1,0 +1,211 @@
+#include "conditions/dom_tree.h"
+
+#include <pugixml.hpp>
+
+#include "frame/frame.h"
+
+namespace rv {
+namespace {
+
+constexpr uint32_t kNoDocument = 11;
+constexpr uint32_t kNullNode = 12;
+constexpr uint32_t kLoadFailed = 13;
+constexpr uint32_t kSaveFailed = 14;
+constexpr uint32_t kMissing = 15;
+constexpr uint32_t kDomFailed = 65535;
+
+std::string Utf8(std::wstring_view text) { return pugi::as_utf8(std::wstring(text)); }
+
+pugi::xml_node Node(DOMNode node) { return pugi::xml_node(node); }
+
+void NeedNode(DOMNode node) {
+  if (node == nullptr) Raise(kNullNode);
+}
+
+// The next node after `node` in document order inside the subtree of `top`.
+pugi::xml_node NextInSubtree(pugi::xml_node node, pugi::xml_node top) {
+  if (node.first_child()) return node.first_child();
+  while (node != top) {
+    if (node.next_sibling()) return node.next_sibling();
+    node = node.parent();
+  }
+  return pugi::xml_node();
+}
+
+pugi::xml_node MakeElement(pugi::xml_node element, const wchar_t* text) {
+  if (text != nullptr) {
+    pugi::xml_node data = element.append_child(pugi::node_pcdata);
+    if (!data || !data.set_value(Utf8(text).c_str())) Raise(kDomFailed);
+  }
+  return element;
+}
+
+}  // namespace
+
+DOMTree::DOMTree() = default;
+DOMTree::~DOMTree() = default;
+
+uint32_t DOMTree::Create() {
+  return Guard([&] { m_document = std::make_unique<pugi::xml_document>(); });
+}
+
+uint32_t DOMTree::WriteDeclaration() {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    pugi::xml_node decl = m_document->append_child(pugi::node_declaration);
+    if (!decl) Raise(kDomFailed);
+    decl.append_attribute("version").set_value("1.0");
+    decl.append_attribute("encoding").set_value("utf-8");
+  });
+}
+
+uint32_t DOMTree::CreateRoot(std::wstring_view name, DOMNode* node) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    if (name.empty()) Raise(kDomFailed);
+    if (pugi::xml_node former = m_document->document_element()) m_document->remove_child(former);
+    pugi::xml_node root = m_document->append_child(Utf8(name).c_str());
+    if (!root) Raise(kDomFailed);
+    *node = root.internal_object();
+  });
+}
+
+uint32_t DOMTree::CreateChild(DOMNode parent, std::wstring_view name, const wchar_t* text, DOMNode* node) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(parent);
+    if (name.empty()) Raise(kDomFailed);
+    pugi::xml_node child = Node(parent).append_child(Utf8(name).c_str());
+    if (!child) Raise(kDomFailed);
+    *node = MakeElement(child, text).internal_object();
+  });
+}
+
+uint32_t DOMTree::InsertChildBefore(DOMNode reference, std::wstring_view name, const wchar_t* text,
+                                    DOMNode* node) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(reference);
+    pugi::xml_node parent = Node(reference).parent();
+    if (name.empty() || !parent) Raise(kDomFailed);
+    pugi::xml_node child = parent.insert_child_before(Utf8(name).c_str(), Node(reference));
+    if (!child) Raise(kDomFailed);
+    *node = MakeElement(child, text).internal_object();
+  });
+}
+
+uint32_t DOMTree::Load(const std::string& path) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    constexpr unsigned kFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
+                                pugi::parse_comments | pugi::parse_ws_pcdata | pugi::parse_doctype;
+    pugi::xml_parse_result result = m_document->load_file(path.c_str(), kFlags, pugi::encoding_auto);
+    if (!result || !m_document->document_element()) {
+      m_document->reset();
+      Raise(kLoadFailed);
+    }
+  });
+}
+
+uint32_t DOMTree::Save(const std::string& path) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    constexpr unsigned kFlags = pugi::format_raw | pugi::format_no_declaration;
+    if (!m_document->save_file(path.c_str(), PUGIXML_TEXT(""), kFlags, pugi::encoding_utf8)) {
+      Raise(kSaveFailed);
+    }
+  });
+}
+
+uint32_t DOMTree::GetRoot(DOMNode* node) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    pugi::xml_node root = m_document->document_element();
+    if (!root) Raise(kMissing);
+    *node = root.internal_object();
+  });
+}
+
+uint32_t DOMTree::GetNodeName(DOMNode node, std::wstring* name) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(node);
+    const char* text = Node(node).name();
+    if (text == nullptr || *text == '\0') Raise(kMissing);
+    *name = pugi::as_wide(text);
+  });
+}
+
+uint32_t DOMTree::CountElements(DOMNode node, std::wstring_view name, int32_t* count) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(node);
+    std::string wanted = Utf8(name);
+    pugi::xml_node top = Node(node);
+    int64_t n = 0;
+    for (pugi::xml_node it = NextInSubtree(top, top); it; it = NextInSubtree(it, top)) {
+      if (it.type() == pugi::node_element && wanted == it.name()) ++n;
+    }
+    if (n > INT32_MAX) Raise(kDomFailed);
+    *count = int32_t(n);
+  });
+}
+
+uint32_t DOMTree::GetElementAt(DOMNode node, std::wstring_view name, int32_t index, DOMNode* found) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(node);
+    if (index < 0) Raise(kMissing);
+    std::string wanted = Utf8(name);
+    pugi::xml_node top = Node(node);
+    int32_t seen = 0;
+    for (pugi::xml_node it = NextInSubtree(top, top); it; it = NextInSubtree(it, top)) {
+      if (it.type() == pugi::node_element && wanted == it.name()) {
+        if (seen == index) {
+          *found = it.internal_object();
+          return;
+        }
+        ++seen;
+      }
+    }
+    Raise(kMissing);
+  });
+}
+
+uint32_t DOMTree::GetText(DOMNode node, std::wstring* text) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(node);
+    pugi::xml_node top = Node(node);
+    std::string all;
+    if (top.type() == pugi::node_pcdata || top.type() == pugi::node_cdata) all = top.value();
+    for (pugi::xml_node it = NextInSubtree(top, top); it; it = NextInSubtree(it, top)) {
+      if (it.type() == pugi::node_pcdata || it.type() == pugi::node_cdata) all += it.value();
+    }
+    *text = pugi::as_wide(all);
+  });
+}
+
+uint32_t DOMTree::GetAttribute(DOMNode node, std::wstring_view name, std::wstring* value) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(node);
+    pugi::xml_attribute attr = Node(node).attribute(Utf8(name).c_str());
+    if (!attr) Raise(kDomFailed);
+    *value = pugi::as_wide(attr.value());
+  });
+}
+
+uint32_t DOMTree::SetAttribute(DOMNode node, std::wstring_view name, std::wstring_view value) {
+  return Guard([&] {
+    if (!m_document) Raise(kNoDocument);
+    NeedNode(node);
+    if (name.empty() || Node(node).type() != pugi::node_element) Raise(kDomFailed);
+    std::string key = Utf8(name);
+    pugi::xml_attribute attr = Node(node).attribute(key.c_str());
+    if (!attr) attr = Node(node).append_attribute(key.c_str());
+    if (!attr || !attr.set_value(Utf8(value).c_str())) Raise(kDomFailed);
+  });
+}
+
+}  // namespace rv
