@@ -32,6 +32,17 @@ pugi::xml_node NextInSubtree(pugi::xml_node node, pugi::xml_node top) {
   return pugi::xml_node();
 }
 
+// The parser is lenient at the top of the document; a document has exactly
+// one element there and no text.
+bool IsWellFormedTop(const pugi::xml_document& document) {
+  int elements = 0;
+  for (pugi::xml_node n = document.first_child(); n; n = n.next_sibling()) {
+    if (n.type() == pugi::node_element) ++elements;
+    if (n.type() == pugi::node_pcdata || n.type() == pugi::node_cdata) return false;
+  }
+  return elements == 1;
+}
+
 pugi::xml_node MakeElement(pugi::xml_node element, const wchar_t* text) {
   if (text != nullptr) {
     pugi::xml_node data = element.append_child(pugi::node_pcdata);
@@ -87,7 +98,7 @@ uint32_t DOMTree::InsertChildBefore(DOMNode reference, std::wstring_view name, c
     if (!m_document) Raise(kNoDocument);
     NeedNode(reference);
     pugi::xml_node parent = Node(reference).parent();
-    if (name.empty() || !parent) Raise(kDomFailed);
+    if (name.empty() || parent.type() != pugi::node_element) Raise(kDomFailed);
     pugi::xml_node child = parent.insert_child_before(Utf8(name).c_str(), Node(reference));
     if (!child) Raise(kDomFailed);
     *node = MakeElement(child, text).internal_object();
@@ -100,7 +111,7 @@ uint32_t DOMTree::Load(const std::string& path) {
     constexpr unsigned kFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
                                 pugi::parse_comments | pugi::parse_ws_pcdata | pugi::parse_doctype;
     pugi::xml_parse_result result = m_document->load_file(path.c_str(), kFlags, pugi::encoding_auto);
-    if (!result || !m_document->document_element()) {
+    if (!result || !IsWellFormedTop(*m_document)) {
       m_document->reset();
       Raise(kLoadFailed);
     }
