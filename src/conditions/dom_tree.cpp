@@ -56,8 +56,32 @@ pugi::xml_node MakeElement(pugi::xml_node element, const wchar_t* text) {
 DOMTree::DOMTree() = default;
 DOMTree::~DOMTree() = default;
 
+void DOMTree::ForgetFound() noexcept {
+  for (FoundElement& f : m_found) f = FoundElement{};
+}
+
+// A new element `name` appended as last child of `parent` comes after every
+// remembered element, unless `parent` lies strictly inside the walked
+// subtree: only such answers can shift.
+void DOMTree::ForgetFound(const std::string& name, DOMNode parent) noexcept {
+  for (FoundElement& f : m_found) {
+    if (f.top == nullptr || f.name != name) continue;
+    bool inside = false;
+    for (pugi::xml_node n = Node(parent); n; n = n.parent()) {
+      if (n.internal_object() == f.top) {
+        inside = n.internal_object() != parent;
+        break;
+      }
+    }
+    if (inside || parent == nullptr) f = FoundElement{};
+  }
+}
+
 uint32_t DOMTree::Create() {
-  return Guard([&] { m_document = std::make_unique<pugi::xml_document>(); });
+  return Guard([&] {
+    ForgetFound();
+    m_document = std::make_unique<pugi::xml_document>();
+  });
 }
 
 uint32_t DOMTree::WriteDeclaration() {
@@ -75,6 +99,7 @@ uint32_t DOMTree::CreateRoot(std::wstring_view name, DOMNode* node) {
     if (!m_document) Raise(kNoDocument);
     if (name.empty()) Raise(kDomFailed);
     if (pugi::xml_node former = m_document->document_element()) m_document->remove_child(former);
+    ForgetFound();
     pugi::xml_node root = m_document->append_child(Utf8(name).c_str());
     if (!root) Raise(kDomFailed);
     *node = root.internal_object();
@@ -86,7 +111,9 @@ uint32_t DOMTree::CreateChild(DOMNode parent, std::wstring_view name, const wcha
     if (!m_document) Raise(kNoDocument);
     NeedNode(parent);
     if (name.empty()) Raise(kDomFailed);
-    pugi::xml_node child = Node(parent).append_child(Utf8(name).c_str());
+    std::string key = Utf8(name);
+    ForgetFound(key, parent);
+    pugi::xml_node child = Node(parent).append_child(key.c_str());
     if (!child) Raise(kDomFailed);
     *node = MakeElement(child, text).internal_object();
   });
@@ -99,7 +126,9 @@ uint32_t DOMTree::InsertChildBefore(DOMNode reference, std::wstring_view name, c
     NeedNode(reference);
     pugi::xml_node parent = Node(reference).parent();
     if (name.empty() || parent.type() != pugi::node_element) Raise(kDomFailed);
-    pugi::xml_node child = parent.insert_child_before(Utf8(name).c_str(), Node(reference));
+    std::string key = Utf8(name);
+    ForgetFound(key, nullptr);
+    pugi::xml_node child = parent.insert_child_before(key.c_str(), Node(reference));
     if (!child) Raise(kDomFailed);
     *node = MakeElement(child, text).internal_object();
   });
@@ -108,6 +137,7 @@ uint32_t DOMTree::InsertChildBefore(DOMNode reference, std::wstring_view name, c
 uint32_t DOMTree::Load(const std::string& path) {
   return Guard([&] {
     if (!m_document) Raise(kNoDocument);
+    ForgetFound();
     constexpr unsigned kFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
                                 pugi::parse_comments | pugi::parse_ws_pcdata | pugi::parse_doctype;
     pugi::xml_parse_result result = m_document->load_file(path.c_str(), kFlags, pugi::encoding_auto);
@@ -169,10 +199,32 @@ uint32_t DOMTree::GetElementAt(DOMNode node, std::wstring_view name, int32_t ind
     if (index < 0) Raise(kMissing);
     std::string wanted = Utf8(name);
     pugi::xml_node top = Node(node);
+    // Go on from a remembered answer at or below the index, if there is one.
+    pugi::xml_node start = top;
     int32_t seen = 0;
-    for (pugi::xml_node it = NextInSubtree(top, top); it; it = NextInSubtree(it, top)) {
+    FoundElement* slot = nullptr;
+    for (FoundElement& f : m_found) {
+      if (f.top == node && f.name == wanted) {
+        slot = &f;
+        if (f.index <= index) {
+          start = Node(f.found);
+          seen = f.index + 1;
+          if (f.index == index) {
+            *found = f.found;
+            return;
+          }
+        }
+        break;
+      }
+    }
+    for (pugi::xml_node it = NextInSubtree(start, top); it; it = NextInSubtree(it, top)) {
       if (it.type() == pugi::node_element && wanted == it.name()) {
         if (seen == index) {
+          if (slot == nullptr) {
+            slot = &m_found[m_nextFound];
+            m_nextFound = (m_nextFound + 1) % m_found.size();
+          }
+          *slot = FoundElement{node, wanted, index, it.internal_object()};
           *found = it.internal_object();
           return;
         }

@@ -8,6 +8,7 @@
 // stands, and no operation adds white space between elements.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -62,7 +63,21 @@ class DOMTree {
   uint32_t SetAttribute(DOMNode node, std::wstring_view name, std::wstring_view value);
 
  private:
+  // Walks by index are mostly sequential (media after media, pass after
+  // pass): a few remembered answers let the next index go on from the last
+  // one instead of walking from the start again.
+  struct FoundElement {
+    DOMNode top = nullptr;
+    std::string name;
+    int32_t index = 0;
+    DOMNode found = nullptr;
+  };
+  void ForgetFound() noexcept;
+  void ForgetFound(const std::string& name, DOMNode parent) noexcept;
+
   std::unique_ptr<pugi::xml_document> m_document;
+  std::array<FoundElement, 8> m_found;
+  std::size_t m_nextFound = 0;
 };
 
 }  // namespace rv

@@ -247,6 +247,29 @@ TEST_F(LoadTest, AfterAllSuffixesThePassesJoinTheMedia) {
   EXPECT_EQ(RvGetRepeatCount("M"), 2);
 }
 
+TEST_F(LoadTest, ThousandsOfMediaKeepTheirOrderThroughSaveAndLoad) {
+  std::string body;
+  const int count = 3000;
+  for (int i = 0; i < count; ++i) {
+    std::string name = "M" + std::to_string(i);
+    body += Media(name.c_str(), Pass(("a" + std::to_string(i)).c_str()) + Pass("b"));
+  }
+  ASSERT_EQ(LoadText(0, TQFile(body)), 0u);
+  std::string path = m_dir.file("big.xml");
+  ASSERT_EQ(RvSaveCutCondition(path.c_str()), 0u);
+  ASSERT_EQ(RvDeleteAllCutCondition(), 0u);
+  ASSERT_EQ(RvLoadCutCondition(0, path.c_str()), 0u);
+  auto names = MediaNames();
+  ASSERT_EQ(names.size(), size_t(count));
+  auto passes = AllPasses();
+  ASSERT_EQ(passes.size(), size_t(2 * count));
+  for (int i = 0; i < count; i += 499) {
+    EXPECT_EQ(names[size_t(i)], "M" + std::to_string(i));
+    EXPECT_EQ(passes[size_t(2 * i)].record.Tool, "a" + std::to_string(i));
+    EXPECT_STREQ(passes[size_t(2 * i + 1)].record.Tool, "b");
+  }
+}
+
 TEST_F(LoadTest, TextGoesThroughTheUsersLocaleAndTheHostsLocaleStays) {
   condtest::ScopedEnv lcAll("LC_ALL", "C.UTF-8");
   ASSERT_NE(std::setlocale(LC_ALL, "C"), nullptr);

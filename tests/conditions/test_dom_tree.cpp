@@ -135,6 +135,43 @@ TEST(DomTree, DeepNestingIsWalkedWithoutRecursion) {
   EXPECT_EQ(text, L"x");
 }
 
+TEST(DomTree, IndexesFollowInsertionsAndAppends) {
+  DOMTree tree;
+  ASSERT_EQ(tree.Create(), 0u);
+  DOMNode root = nullptr, n = nullptr, box = nullptr;
+  ASSERT_EQ(tree.CreateRoot(L"R", &root), 0u);
+  for (const wchar_t* t : {L"0", L"1", L"2"}) ASSERT_EQ(tree.CreateChild(root, L"E", t, &n), 0u);
+  auto textAt = [&](DOMNode top, int i) {
+    DOMNode e = nullptr;
+    std::wstring text;
+    if (tree.GetElementAt(top, L"E", i, &e) != 0) return std::wstring(L"missing");
+    EXPECT_EQ(tree.GetText(e, &text), 0u);
+    return text;
+  };
+  EXPECT_EQ(textAt(root, 2), L"2");
+  EXPECT_EQ(textAt(root, 1), L"1");  // backwards
+  DOMNode first = nullptr;
+  ASSERT_EQ(tree.GetElementAt(root, L"E", 0, &first), 0u);
+  ASSERT_EQ(tree.InsertChildBefore(first, L"E", L"new", &n), 0u);
+  EXPECT_EQ(textAt(root, 1), L"0");
+  EXPECT_EQ(textAt(root, 0), L"new");
+  // An element appended inside the walked subtree, before a remembered one.
+  EXPECT_EQ(textAt(root, 3), L"2");
+  ASSERT_EQ(tree.GetElementAt(root, L"E", 0, &first), 0u);
+  ASSERT_EQ(tree.CreateChild(first, L"E", L"nested", &n), 0u);
+  EXPECT_EQ(textAt(root, 1), L"nested");
+  EXPECT_EQ(textAt(root, 4), L"2");
+  // Appending to the walked node itself only adds at the end.
+  ASSERT_EQ(tree.CreateChild(root, L"Box", nullptr, &box), 0u);
+  ASSERT_EQ(tree.CreateChild(root, L"E", L"last", &n), 0u);
+  EXPECT_EQ(textAt(root, 5), L"last");
+  ASSERT_EQ(tree.CreateChild(box, L"E", L"boxed", &n), 0u);
+  EXPECT_EQ(textAt(root, 5), L"boxed");
+  EXPECT_EQ(textAt(root, 6), L"last");
+  EXPECT_EQ(textAt(root, 7), L"missing");
+  EXPECT_EQ(textAt(box, 0), L"boxed");
+}
+
 TEST(XmlAccess, CreateWritesTheRootAndVersionOfEachFamily) {
   const char* roots[] = {"TQ", "WD", "WD3", "WD3K", "BNS", "TQ2", "TQNV", "WDP", "YBNS",
                          "TQNV2", "WD22", "SOVE", "SOPI", "HWD", "TQHB", "WDZK", "WDZ", "Favorite"};
