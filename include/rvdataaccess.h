@@ -424,9 +424,14 @@ RV_API int32_t RvGetRepeatCount(const char* media);
 /** Sorts the media order by name, bytewise. 0x06001001 on an empty table. */
 RV_API uint32_t RvSortCondition(void);
 /** Sets the machine type and fills the table, which must be empty (else
- *  65535), from a condition file. XML codes: 13 the file can't be loaded, 15
- *  wrong root or a required element missing or empty, 65535 no version. The
- *  media read before a failure stay. */
+ *  65535), from a condition file. XML codes: 13 the file can't be loaded (or
+ *  has more than one root element), 15 wrong root or a required element
+ *  missing or empty, 65535 no version. The media read before a failure stay.
+ *  A number that doesn't scan stays unset (-1). Element texts are cut at 255
+ *  characters. In a coating file of version "1.00" AtomizationPress is 0.1
+ *  whatever the file holds. With machine type 5 and a path that contains
+ *  "CurrentTQCondition.xml" a tool beginning with CT4, CT5, PIN or HLF is
+ *  replaced as a whole by CT6, CT7, CT4 or CT5 (also on import). */
 RV_API uint32_t RvLoadCutCondition(uint16_t machineType, const char* path);
 /** Adds the media of a condition file of the machine type in force. A name
  *  that exists gets "-1" to "-128" behind it, the name cut so that it keeps
@@ -436,10 +441,14 @@ RV_API uint32_t RvImportCutCondition(const char* path);
  *  (UTF-8, no white space between elements). 14 if it can't be written. */
 RV_API uint32_t RvSaveCutCondition(const char* path);
 /** Sets the machine type, fills the empty table (else 65535) from a CSV file
- *  of lines "name,tool,speed,press,offset" (a run of commas counts as one; a
- *  line with fewer than five fields and a last line without line end are
- *  skipped; lines longer than 1047 bytes are read in pieces) and writes it as
- *  a condition file at xmlPath. 0x01001001 if the CSV file can't be opened. */
+ *  of lines "name,tool,speed,press,offset" and writes it as a condition file
+ *  at xmlPath. A run of commas counts as one; a line with fewer than five
+ *  fields and a last line without line end are skipped; a line longer than
+ *  1047 bytes is read in pieces; the name is cut to 255 bytes, the tool to
+ *  31. Speed is a whole number (the low 16 bits of a larger one); families
+ *  with decimal speed take it as their decimal speed too. Other elements of
+ *  the family have no source and are written as -1. 0x01001001 if the CSV
+ *  file can't be opened (the machine type is set all the same). */
 RV_API uint32_t RvLoadFromCSV(uint16_t machineType, const char* csvPath, const char* xmlPath);
 /** Reads the favourite file (machine type 17) into the four arrays of
  *  RV_FAVORITE_COUNT slots, from slot 0; a list with more entries stops at

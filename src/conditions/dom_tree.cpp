@@ -206,6 +206,7 @@ uint32_t DOMTree::GetElementAt(DOMNode node, std::wstring_view name, int32_t ind
     for (FoundElement& f : m_found) {
       if (f.top == node && f.name == wanted) {
         slot = &f;
+        f.used = ++m_useClock;
         if (f.index <= index) {
           start = Node(f.found);
           seen = f.index + 1;
@@ -220,11 +221,17 @@ uint32_t DOMTree::GetElementAt(DOMNode node, std::wstring_view name, int32_t ind
     for (pugi::xml_node it = NextInSubtree(start, top); it; it = NextInSubtree(it, top)) {
       if (it.type() == pugi::node_element && wanted == it.name()) {
         if (seen == index) {
-          if (slot == nullptr) {
-            slot = &m_found[m_nextFound];
-            m_nextFound = (m_nextFound + 1) % m_found.size();
+          if (index == 0) {  // the first one is found from the start anyway
+            *found = it.internal_object();
+            return;
           }
-          *slot = FoundElement{node, wanted, index, it.internal_object()};
+          if (slot == nullptr) {
+            slot = &m_found[0];
+            for (FoundElement& f : m_found) {
+              if (f.used < slot->used) slot = &f;
+            }
+          }
+          *slot = FoundElement{node, wanted, index, it.internal_object(), ++m_useClock};
           *found = it.internal_object();
           return;
         }

@@ -71,13 +71,14 @@ class DOMTree {
     std::string name;
     int32_t index = 0;
     DOMNode found = nullptr;
+    uint64_t used = 0;  // for replacing the least recently used answer
   };
   void ForgetFound() noexcept;
   void ForgetFound(const std::string& name, DOMNode parent) noexcept;
 
   std::unique_ptr<pugi::xml_document> m_document;
   std::array<FoundElement, 8> m_found;
-  std::size_t m_nextFound = 0;
+  uint64_t m_useClock = 0;
 };
 
 }  // namespace rv
