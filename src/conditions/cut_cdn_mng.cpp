@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include "conditions/cond_text.h"
 #include "conditions/xml_access.h"
 #include "frame/frame.h"
@@ -468,7 +470,10 @@ uint32_t CRvCutCdnMng::LoadFromCSV(uint16_t type, const std::string& csvPath, co
     if (!m_mediaOrder.empty() || !m_media.empty()) Raise(kTableNotEmpty);
     machineType = type;
     FileCloser csv{std::fopen(csvPath.c_str(), "r")};
-    if (csv.file == nullptr) Raise(ErrCode(1, 16));
+    struct stat info {};
+    if (csv.file == nullptr || fstat(fileno(csv.file), &info) != 0 || S_ISDIR(info.st_mode)) {
+      Raise(ErrCode(1, 16));
+    }
     CRvXMLAccess xml;
     Check(xml.Create(machineType));
     const ExtensionForm form = ExtensionFormOf(machineType);

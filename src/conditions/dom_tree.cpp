@@ -1,6 +1,10 @@
 #include "conditions/dom_tree.h"
 
+#include <cstdio>
+#include <vector>
+
 #include <pugixml.hpp>
+#include <sys/stat.h>
 
 #include "frame/frame.h"
 
@@ -30,6 +34,24 @@ pugi::xml_node NextInSubtree(pugi::xml_node node, pugi::xml_node top) {
     node = node.parent();
   }
   return pugi::xml_node();
+}
+
+struct FileCloser {
+  std::FILE* file;
+  ~FileCloser() {
+    if (file != nullptr) std::fclose(file);
+  }
+};
+
+/// The bytes of a regular file; false for anything else (a folder, a device)
+/// or when it can't be read whole.
+bool ReadRegularFile(const std::string& path, std::vector<char>& bytes) {
+  FileCloser in{std::fopen(path.c_str(), "rb")};
+  if (in.file == nullptr) return false;
+  struct stat info {};
+  if (fstat(fileno(in.file), &info) != 0 || !S_ISREG(info.st_mode) || info.st_size < 0) return false;
+  bytes.resize(std::size_t(info.st_size));
+  return bytes.empty() || std::fread(bytes.data(), 1, bytes.size(), in.file) == bytes.size();
 }
 
 // The parser is lenient at the top of the document; a document has exactly
@@ -140,7 +162,12 @@ uint32_t DOMTree::Load(const std::string& path) {
     ForgetFound();
     constexpr unsigned kFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
                                 pugi::parse_comments | pugi::parse_ws_pcdata | pugi::parse_doctype;
-    pugi::xml_parse_result result = m_document->load_file(path.c_str(), kFlags, pugi::encoding_auto);
+    std::vector<char> bytes;
+    if (!ReadRegularFile(path, bytes)) {
+      m_document->reset();
+      Raise(kLoadFailed);
+    }
+    pugi::xml_parse_result result = m_document->load_buffer(bytes.data(), bytes.size(), kFlags, pugi::encoding_auto);
     if (!result || !IsWellFormedTop(*m_document)) {
       m_document->reset();
       Raise(kLoadFailed);

@@ -82,6 +82,7 @@ TEST_F(CsvTest, RefusalsAndOddLines) {
   EXPECT_EQ(RvLoadFromCSV(9, m_dir.file("none.csv").c_str(), xml.c_str()), 0x01001001u);
   EXPECT_EQ(rv::CRvCutCdnMng::Instance().machineType, 9);
   EXPECT_EQ(RvLoadFromCSV(9, nullptr, xml.c_str()), 0x01001001u);
+  EXPECT_EQ(RvLoadFromCSV(9, m_dir.path().c_str(), xml.c_str()), 0x01001001u);  // a folder
   // A line longer than the buffer is read in pieces; long fields are cut.
   std::string longName(300, 'n'), longTool(40, 't');
   rvtest::WriteFile(csv, longName + "," + longTool + ",1,2,3\n" + std::string(2000, ',') + "\nX,Y,99999,1,1\n");

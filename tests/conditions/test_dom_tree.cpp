@@ -109,6 +109,7 @@ TEST(DomTree, LoadKeepsWhiteSpaceAndRefusesBrokenFiles) {
   }
   EXPECT_EQ(tree.Load(dir.file("nothing.xml")), 13u);
   EXPECT_EQ(tree.Load(dir.path().string()), 13u);  // a folder
+  EXPECT_EQ(tree.Load("/dev/null"), 13u);           // a device
 }
 
 TEST(DomTree, DeepNestingIsWalkedWithoutRecursion) {
