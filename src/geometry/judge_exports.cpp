@@ -24,11 +24,12 @@ RV_API uint32_t RvMiJudgeInsidePath(void* path, void* outer, int32_t* inside) {
   });
 }
 
-RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t count, int32_t invert) {
+RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t invert) {
   return rv::Guard([&] {
-    if (count <= 0) return;
-    if (paths == nullptr) rv::Raise(rv::ErrCode(5, 13));
-    rv::JudgeInsideOutside(paths, std::size_t(count), invert != 0);
+    if (paths == nullptr) return;
+    std::size_t count = 0;  // the list ends at the first element without an art
+    while (paths[count].art != nullptr) ++count;
+    rv::JudgeInsideOutside(paths, count, invert != 0);
   });
 }
 

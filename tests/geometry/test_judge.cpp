@@ -220,8 +220,9 @@ TEST_F(Judge, NestingGivesHolesByDepth) {
   void* middle = Square(5, 5, 20);
   void* inner = Square(10, 10, 10);
   for (int32_t invert : {0, 1}) {
-    std::vector<RVINSIDEPATH> list = {{inner, 0}, {outer, 0}, {middle, 0}};
-    EXPECT_EQ(RvMiJudgeInsideOutsidePath(list.data(), int32_t(list.size()), invert), 0u);
+    std::vector<RVINSIDEPATH> list = {{inner, 0}, {outer, 0}, {middle, 0}, {nullptr, 0}};
+    EXPECT_EQ(RvMiJudgeInsideOutsidePath(list.data(), invert), 0u);
+    list.pop_back();
     EXPECT_EQ(list[0].art, outer);
     EXPECT_EQ(list[1].art, middle);
     EXPECT_EQ(list[2].art, inner);
@@ -231,28 +232,34 @@ TEST_F(Judge, NestingGivesHolesByDepth) {
       EXPECT_EQ(Flags(list), (std::vector<int32_t>{1, 0, 1}));
     }
   }
-  std::vector<RVINSIDEPATH> apart = {{Square(0, 0, 10), 0}, {Square(20, 0, 10), 0}};
-  EXPECT_EQ(RvMiJudgeInsideOutsidePath(apart.data(), 2, 0), 0u);
+  std::vector<RVINSIDEPATH> apart = {{Square(0, 0, 10), 0}, {Square(20, 0, 10), 0}, {nullptr, 0}};
+  EXPECT_EQ(RvMiJudgeInsideOutsidePath(apart.data(), 0), 0u);
+  apart.pop_back();
   EXPECT_EQ(Flags(apart), (std::vector<int32_t>{0, 0}));
 
   // Equal areas keep their order; two islands in one hole are both at depth 2.
   void* a = Square(1, 1, 3);
   void* b = Square(5, 1, 3);
   void* hole = Square(0.5, 0.5, 9);
-  std::vector<RVINSIDEPATH> islands = {{a, 0}, {b, 0}, {outer, 0}, {hole, 0}};
-  EXPECT_EQ(RvMiJudgeInsideOutsidePath(islands.data(), 4, 0), 0u);
+  std::vector<RVINSIDEPATH> islands = {{a, 0}, {b, 0}, {outer, 0}, {hole, 0}, {nullptr, 0}};
+  EXPECT_EQ(RvMiJudgeInsideOutsidePath(islands.data(), 0), 0u);
+  islands.pop_back();
   EXPECT_EQ(islands[0].art, outer);
   EXPECT_EQ(islands[1].art, hole);
   EXPECT_EQ(islands[2].art, a);
   EXPECT_EQ(islands[3].art, b);
   EXPECT_EQ(Flags(islands), (std::vector<int32_t>{0, 1, 0, 0}));
 
-  // One element: only the inversion; none: nothing at all.
-  std::vector<RVINSIDEPATH> one = {{nullptr, 0}};
-  EXPECT_EQ(RvMiJudgeInsideOutsidePath(one.data(), 1, 1), 0u);
+  // One element: only the inversion; none: nothing at all, the terminator
+  // stays as it is.
+  std::vector<RVINSIDEPATH> one = {{inner, 0}, {nullptr, 0}};
+  EXPECT_EQ(RvMiJudgeInsideOutsidePath(one.data(), 1), 0u);
   EXPECT_EQ(one[0].inside, 1);
-  EXPECT_EQ(RvMiJudgeInsideOutsidePath(nullptr, 0, 1), 0u);
-  EXPECT_EQ(RvMiJudgeInsideOutsidePath(nullptr, 2, 1), 0x05000D01u);
+  EXPECT_EQ(one[1].inside, 0);
+  std::vector<RVINSIDEPATH> none = {{nullptr, 0}};
+  EXPECT_EQ(RvMiJudgeInsideOutsidePath(none.data(), 1), 0u);
+  EXPECT_EQ(none[0].inside, 0);
+  EXPECT_EQ(RvMiJudgeInsideOutsidePath(nullptr, 1), 0u);
 }
 
 // Rings of many points around scattered centres: nested, crossing, apart,
@@ -321,7 +328,9 @@ TEST_F(JudgeOracle, AFailingPathLeavesTheSameStateAsThePlainAlgorithm) {
     fast.push_back({p, 0});
     plain.push_back({p, 0});
   }
-  const uint32_t fastCode = RvMiJudgeInsideOutsidePath(fast.data(), int32_t(fast.size()), 0);
+  fast.push_back({nullptr, 0});
+  const uint32_t fastCode = RvMiJudgeInsideOutsidePath(fast.data(), 0);
+  fast.pop_back();
   EXPECT_EQ(fastCode, 0x05000D01u);
   uint32_t plainCode = 0;
   try {
