@@ -60,6 +60,14 @@ void CRvPlotInterpreter::ProcessByte(uint8_t byte) {
 
 inline void CRvPlotInterpreter::ProcessTwoLetter(uint8_t byte) {
   const uint8_t cls = byte < 128 ? kTwoLetterClass[byte] : uint8_t(7);
+  // The common case first: another digit of the integer part of a number.
+  if (cls == 2 && m_state == kParameters && m_escape == 0 && (m_type == kTypeInt || m_type == kTypeReal) &&
+      !m_inFraction && m_intCount < 8) {
+    m_inNumber = true;
+    m_intValue = m_intValue * 10u + uint8_t(byte - '0');
+    ++m_intCount;
+    return;
+  }
   const bool taken = (m_escape != 0 || byte == 27) && EscapeFilter(byte);
   if (!taken) Handle(byte, cls);
   if (m_execute == 1) RunCommand();

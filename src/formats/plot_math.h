@@ -23,7 +23,14 @@ inline int32_t SaturateInt32(double v) {
 }
 
 /// The largest integer not above v + 0.5, as a 32-bit integer (saturated).
-inline int32_t RoundHalfUp(double v) { return SaturateInt32(std::floor(v + 0.5)); }
+/// Written without floor(), which is a library call on plain x86-64.
+inline int32_t RoundHalfUp(double v) {
+  const double w = v + 0.5;
+  if (!(w > -2147483648.0 && w < 2147483647.0)) return SaturateInt32(w);
+  int32_t t = int32_t(w);  // towards zero
+  if (double(t) > w) --t;
+  return t;
+}
 
 /// a / b with the IEEE results for b == 0 (infinities and NaN), written so
 /// that no division by zero is executed.

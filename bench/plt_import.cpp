@@ -1,0 +1,86 @@
+// Throughput of the plot file import: 10 MB generated HP-GL files, one of
+// short pen-down moves, one of arcs. Reported as bytes per second and
+// moves (lines and arcs handed over) per second.
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <string>
+
+#include "formats/plot_interpreter.h"
+
+namespace {
+
+constexpr std::size_t kFileSize = 10u << 20;
+
+/// PD lists of short moves wandering over a sheet, 50 pairs a command.
+std::string ShortMoves() {
+  std::string s = "IN;SP1;PU1000,1000;";
+  s.reserve(kFileSize + 256);
+  uint32_t x = 1000, y = 1000, seed = 12345;
+  while (s.size() < kFileSize) {
+    s += "PD";
+    for (int i = 0; i < 50; ++i) {
+      seed = seed * 1103515245u + 12345u;
+      x = 1000 + (x + (seed >> 16) % 41 - 20) % 30000;
+      y = 1000 + (y + (seed >> 8) % 41 - 20) % 20000;
+      if (i) s += ',';
+      s += std::to_string(x);
+      s += ',';
+      s += std::to_string(y);
+    }
+    s += ";\n";
+  }
+  return s;
+}
+
+/// Circles and arcs: a pen-up move, an arc about a centre, a three-point arc.
+std::string Arcs() {
+  std::string s = "IN;SP1;";
+  s.reserve(kFileSize + 256);
+  uint32_t i = 0;
+  while (s.size() < kFileSize) {
+    const uint32_t x = 1000 + (i * 37) % 30000, y = 1000 + (i * 91) % 20000;
+    s += "PU" + std::to_string(x + 200) + "," + std::to_string(y) + ";";
+    s += "AA" + std::to_string(x) + "," + std::to_string(y) + ",90;";
+    s += "AT" + std::to_string(x - 200) + "," + std::to_string(y) + "," + std::to_string(x) + "," +
+         std::to_string(y - 200) + ";\n";
+    ++i;
+  }
+  return s;
+}
+
+struct CountingSink : rv::CRvPlotSink {
+  int64_t moves = 0;
+  void DrawLine(const rv::PlotPoint&, const rv::PlotPoint&, int16_t) override { ++moves; }
+  void DrawArc(const rv::PlotArc&) override { ++moves; }
+};
+
+void RunInterpreter(benchmark::State& state, const std::string& data) {
+  int64_t moves = 0;
+  for (auto _ : state) {
+    CountingSink sink;
+    rv::CRvPlotInterpreter in(sink);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
+    in.SetDialect(rv::CRvPlotInterpreter::DetectDialect(bytes, data.size()));
+    in.Feed(bytes, data.size());
+    in.FeedEnd();
+    moves += sink.moves;
+    benchmark::DoNotOptimize(sink.moves);
+  }
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
+  state.counters["moves/s"] = benchmark::Counter(double(moves), benchmark::Counter::kIsRate);
+}
+
+void BM_InterpretShortMoves(benchmark::State& state) {
+  static const std::string data = ShortMoves();
+  RunInterpreter(state, data);
+}
+BENCHMARK(BM_InterpretShortMoves)->Unit(benchmark::kMillisecond);
+
+void BM_InterpretArcs(benchmark::State& state) {
+  static const std::string data = Arcs();
+  RunInterpreter(state, data);
+}
+BENCHMARK(BM_InterpretArcs)->Unit(benchmark::kMillisecond);
+
+}  // namespace
