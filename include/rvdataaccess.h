@@ -213,6 +213,131 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
  * Curve operations
  * ====================================================================== */
 
+/* Curves of paths are given as two consecutive RVBEZIERPOINT records a, b:
+ * a.anchor, a.out, b.in, b.anchor. Positions are compared on a grid of 0.01:
+ * a coordinate's cell is the coordinate times 100 truncated toward zero.
+ *
+ * Results come as arrays of RVCURVEPOINT that the library allocates and the
+ * host releases with RvMiFreePoints (and nothing else). An empty result is a
+ * null array with count 0. On failure the outputs are null and 0 and nothing
+ * needs releasing.
+ *
+ * Codes of this section beyond the general table:
+ *   0x08000D01  a null pointer, a negative count, a count above the limit
+ *               of RvMiSplineToPoints, a scale of 0 or not finite, or a
+ *               coordinate that doesn't fit single precision in
+ *               RvMiCurvesToArc;
+ *   0x08000E01  a curve whose flattening would give more than 1048576 points
+ *               (coordinates far outside any drawing, or maxLength <= 0 on a
+ *               huge curve), a result of more than 33554432 records, or an
+ *               arc fit that makes no progress.
+ */
+
+/** The arc fields of a kind 1 RVCURVEPOINT. */
+typedef struct RVCURVEARC {
+  double startX, startY;
+  double endX, endY;
+  double midX, midY;       /* the point of the fitted Bezier piece at t = 0.5 */
+  double centreX, centreY;
+  int16_t direction;       /* -1 counter-clockwise (centre left of the travel), +1 clockwise */
+} RVCURVEARC;
+
+/** One result record of a curve conversion: `kind` and the fields of that
+ *  kind, in a union that starts at offset 8. Every record of an array has
+ *  the size of the largest variant (80 bytes); fields that the kind doesn't
+ *  use have no defined value.
+ *    kind 0  point:        point (x, y)
+ *    kind 1  arc:          arc (startX .. centreY, direction)
+ *    kind 2  Bezier point: bezier.anchor, bezier.in, bezier.out as in
+ *                          RVBEZIERPOINT, bezier.flags 0, so that the member
+ *                          can be copied into a path as it stands
+ *    kind 3  spline triple: spline[0], spline[1], spline[2] */
+typedef struct RVCURVEPOINT {
+  int16_t kind;
+  union {
+    RVPOINT point;
+    RVCURVEARC arc;
+    RVBEZIERPOINT bezier;
+    RVPOINT spline[3];
+  };
+} RVCURVEPOINT;
+
+/** Bezier points (kind 2) of an arc: pieces of at most 60 degrees, n + 1
+ *  records for n pieces, every coordinate rounded half away from zero to
+ *  0.001. The first record is `from`, the last `to`; their far handles sit on
+ *  their anchors. A sweep above 360 degrees counts as 360 (seven records); a
+ *  sweep of 0 (or not a number) gives two records, `from` and `to`, with the
+ *  handles on their anchors. An arc whose `from` is its centre gives anchors
+ *  on the centre and handles on the anchors. */
+RV_API uint32_t RvMiArcToCurves(const RVARCPOINT* arc, RVCURVEPOINT** result, int32_t* resultCount);
+
+/** Polyline (kind 0) of the curves between consecutive points: for each curve
+ *  its first anchor, then the end points of its chords, which are at most
+ *  maxLength long and keep handles within tolerance of the chord (mode 1; with
+ *  mode 0 curves are cut down to the 0.01 grid). A shared anchor thus appears
+ *  twice. Fewer than two points give an empty result. */
+RV_API uint32_t RvMiCurvesToPoints(const RVBEZIERPOINT* points, int32_t count, double maxLength,
+                                   double tolerance, RVCURVEPOINT** result, int32_t* resultCount,
+                                   int32_t mode);
+
+/** Fits circular arcs, in single precision on coordinates rounded to 0.001,
+ *  to the curve of the last two points (count is normally 2; fewer give an
+ *  empty result). Arcs are kind 1 records divided by scale; pieces that stay
+ *  straight are kind 0 records (start, polyline, end repeated), not divided. */
+RV_API uint32_t RvMiCurvesToArc(const RVBEZIERPOINT* points, int32_t count, double maxLength,
+                                double tolerance, RVCURVEPOINT** result, int32_t* resultCount,
+                                double scale);
+
+/** Spline triples (kind 3, divided by scale) along the polyline of the curve
+ *  points[0]-points[1], and a closing point (kind 0, not divided) where the
+ *  triples leave one over. A curve within 0.1 degree of its chord at both ends
+ *  gets all four handles put on their anchors, in the caller's array. Fewer
+ *  than two points give an empty result. */
+RV_API uint32_t RvMiCurvesToSpline(RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
+                                   RVCURVEPOINT** result, int32_t* resultCount, double scale);
+
+/** Points of the interpolating cubic spline through points[1] .. points[count]
+ *  (points[0] isn't read; count at most 199) into the caller's result, which
+ *  must hold 21 * (count - 1) points: up to 21 per chord, points[1] not
+ *  included. A repeated point makes the result the input points as they
+ *  stand. A count of 0 or 1 gives no points. */
+RV_API uint32_t RvMiSplineToPoints(const RVPOINT* points, int32_t count, RVPOINT* result,
+                                   int32_t* resultCount);
+
+/** De Casteljau split of the curve a-b at t (not clamped): middle gets in,
+ *  anchor and out; a.out and b.in become the handles of the two halves. */
+RV_API uint32_t RvMiDivideBezier(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double t, RVBEZIERPOINT* middle);
+
+/** Splits the curve a-b where its first part is `length` long, within 1.0
+ *  (a negative length counts as 0), and writes the parts back as
+ *  RvMiDivideBezier does. The search starts at t = 0.5 and steps t by half of
+ *  itself, so a length beyond the curve's end extends the curve. A curve of
+ *  no length (all four positions equal) is split at t = 0.5. Otherwise the
+ *  search ends after 10000 passes at most, or when t leaves the finite range,
+ *  and then gives the pass that came closest. Failures go to Exception(). */
+RV_API void RvMiDivideBezierByLength(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double length, RVBEZIERPOINT* middle);
+
+/** Length of the curve a-b: its polyline with maxLength 31000.0, tolerance
+ *  0.042, mode 1, summed. Failures go to Exception(). */
+RV_API void RvMiGetBezierLength(const RVBEZIERPOINT* a, const RVBEZIERPOINT* b, double* length);
+
+/** Signed angle at vertex from p1 to p3 (atan2 of cross and dot product, so
+ *  within [-pi, pi]); 0.0 when two of the points are equal or one is null. */
+RV_API double RvMiCalcAngleOfThreePoints(const RVPOINT* p1, const RVPOINT* vertex, const RVPOINT* p3);
+
+/** The angle that a path turns through at point, in [0, 2 pi); pi on a smooth
+ *  path. A handle within the 0.01 cell of its anchor is replaced by the point
+ *  of the neighbouring curve at t = 0.9 (in) or 0.1 (out). */
+RV_API double RvMiCalcAngleOfBezier(RVBEZIERPOINT point, RVBEZIERPOINT previous, RVBEZIERPOINT next);
+
+/** Angle of point on arc, seen from the centre and counted from `from` in the
+ *  arc's direction (the other way when reverse is non-zero): 0.0 for
+ *  direction 0 (or a null argument), 2 pi at `from` itself, pi opposite. */
+RV_API double RvMiGetCenterAngle(const RVARCPOINT* arc, const RVPOINT* point, int32_t reverse);
+
+/** Releases an array of the conversions above; null is accepted. Returns 0. */
+RV_API uint32_t RvMiFreePoints(RVCURVEPOINT* points);
+
 /* ======================================================================
  * Path judgments and start-point optimisation
  * ====================================================================== */
@@ -221,13 +346,250 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
  * Documents
  * ====================================================================== */
 
+/* The library keeps any number of documents and works on one of them, the
+ * active document. Documents are addressed by a 16-bit index that stays
+ * valid until the document is deleted; a deleted document leaves an empty
+ * slot and its index is never reused (until RvGiDeleteAllDocuments), so at
+ * most 32767 documents can be made in that time.
+ *
+ * Every operation on the active document (documents, layers, arts, bound
+ * boxes) fails with 0x09001D01 while no document is active; only
+ * RvGiGetLayerCount answers 0 then. */
+
+/** Makes a new in-memory document (kind 0; any other kind 0x02001C01, as is
+ *  a full store), makes it active and gives its index. */
+RV_API uint32_t RvGiCreateDocument(int16_t kind, int16_t* index);
+/** Destroys the active document with all its layers and arts. The next lower
+ *  live document becomes active, or none. No active document: does nothing. */
+RV_API uint32_t RvGiDeleteActiveDocument(void);
+/** Forgets all documents without destroying them (their arts stay readable
+ *  until the process ends, when the library frees them); nothing is active
+ *  and new indexes start again at 0. */
+RV_API uint32_t RvGiDeleteAllDocuments(void);
+/** Makes the document at index active; a negative index, one past the store
+ *  or a deleted slot gives 0x09001D01 and changes nothing. */
+RV_API uint32_t RvGiSetActiveDocument(int16_t index);
+/** The index of the active document, -1 when none is active. */
+RV_API uint32_t RvGiGetActiveDocumentIndex(int16_t* index);
+/** The active document's bound box (all zero until set). */
+RV_API uint32_t RvGiGetDocBoundBox(RVRECT* rect);
+/** Sets the active document's bound box, the drawing's page. */
+RV_API uint32_t RvGiSetDocBoundingBox(const RVRECT* rect);
+
 /* ======================================================================
  * Arts
  * ====================================================================== */
 
+/* An art handle is the address of an art. Types: 0 layer, 1 group, 2 Bezier,
+ * 3 compound (holds paths only), 4 path (holds Beziers, arcs and splines
+ * only), 5 arc, 6 spline.
+ *
+ * Positions of a new art (RvGiCreateArt, RvGiCopyArt, RvGiCopyPath):
+ *   0 first in the current layer, 3 last in it (reference must be null);
+ *   1 in front of reference, 2 behind it (reference needed, and a parent that
+ *     holds it: 0x03001001 otherwise);
+ *   4 first child of reference, 5 last child of it (reference needed).
+ * A missing or unexpected reference gives 0x03000D01. Any other position
+ * leaves the art unlinked, without parent, and succeeds. A container that
+ * can't hold the new art's type (a group in a path, a Bezier in a compound)
+ * leaves it out silently; the art still names that container as parent
+ * (until the container is destroyed: then it has none).
+ * After a failure the out handle is null and nothing was made.
+ *
+ * Ownership: arts belong to the library. Deleting an art (RvGiDeleteArt)
+ * only unlinks it; unlinked arts stay readable until the process ends.
+ * Deleting a layer or a document destroys its arts: handles into it become
+ * invalid. A null art handle gives 0x06001001 here (0x06000D01 for
+ * RvGiGetSelect, RvGiSetSelect); a null record to read gives the same. */
+
+/** Makes an empty art of type 1 to 6 (else 0x06000D01) and links it by
+ *  position. No layer in the document: 0x03000601. */
+RV_API uint32_t RvGiCreateArt(int16_t type, int16_t position, void* reference, void** art);
+/** Copies source, whose type must be type (1 to 4, else 0x06000D01), and links
+ *  the copy like RvGiCreateArt. A path copy has the colours and flags but no
+ *  children, tags or attribute word. */
+RV_API uint32_t RvGiCopyArt(int16_t type, int16_t position, void* reference, void* source, void** art);
+/** Unlinks *art from its parent without destroying it; it keeps its children
+ *  and has no parent afterwards. No parent: 0x06001001. */
+RV_API uint32_t RvGiDeleteArt(void** art);
+/** Moves the paths of compound (type 3) into group (type 1), each to the
+ *  front, so they end up in reverse order; the group takes the compound's
+ *  bounds and is deselected. The compound leaves its parent and then only
+ *  lists the paths (which the group owns) and takes no new children. Wrong
+ *  types, or a compound converted before: 0x05000E01. */
+RV_API uint32_t RvGiConvertCompoundToGroup(void* group, void* compound);
+/** The first child, null if there is none. */
+RV_API uint32_t RvGiGetArtFirstChild(void* art, void** child);
+/** The parent, null for a layer and an unlinked art. */
+RV_API uint32_t RvGiGetArtParent(void* art, void** parent);
+/** The next art of the parent; null at the end or without a parent. */
+RV_API uint32_t RvGiGetArtSibling(void* art, void** sibling);
+/** The previous art of the parent; null at the start or without a parent. */
+RV_API uint32_t RvGiGetArtPreSibling(void* art, void** sibling);
+/** The art's type number. */
+RV_API uint32_t RvGiGetArtType(void* art, int16_t* type);
+/** Copies the art's matrix out (identity on creation). */
+RV_API uint32_t RvGiGetArtMatrix(void* art, RVRIFMATRIX* matrix);
+/** Sets the art's matrix. */
+RV_API uint32_t RvGiSetArtMatrix(void* art, const RVRIFMATRIX* matrix);
+/** Stores the art's bounds as given (they aren't derived from the children). */
+RV_API uint32_t RvGiSetBoundingBox(void* art, const RVRECT* rect);
+/** The stored bounds with each corner (left, top) and (right, bottom) mapped
+ *  through the art's matrix; a rotating matrix gives an unnormalised box. */
+RV_API uint32_t RvGiGetArtBounds(void* art, RVRECT* rect);
+/** Creates or overwrites the tag key with value (both copied). */
+RV_API uint32_t RvGiSetArtTag(void* art, const char* key, const char* value);
+/** Copies the value of tag key into value; no such tag: 0x06001A01. */
+RV_API uint32_t RvGiGetArtTag(void* art, const char* key, char* value);
+/** A colour of a layer (use ignored, always found) or a path (use 1 fill,
+ *  2 stroke, else 0x05000901): *found 1 with kind and c filled, or 0 with
+ *  *color untouched. Other arts: 0x06000901. */
+RV_API uint32_t RvGiGetPathColor(int16_t use, void* art, RVCOLOR* color, int32_t* found);
+/** The colour's name; "None" for a path without that colour. Layer without
+ *  colour: 0x03000901; other arts: 0x06000901. */
+RV_API uint32_t RvGiGetPathColorName(int16_t use, void* art, char* name);
+/** Sets a colour of a layer or a path with its name. Kinds 0 and 1 take use
+ *  1 or 2, kinds 2 and 3 only use 1 (else 0x05000A01). Other arts: 0x06000A01. */
+RV_API uint32_t RvGiSetPathColor(int16_t use, void* art, const RVCOLOR* color, const char* name);
+/** Renames a colour; a path without that colour is left alone. Use other
+ *  than 1 or 2 on a path, or another art: 0x06000A01. */
+RV_API uint32_t RvGiSetPathColorName(int16_t use, void* art, const char* name);
+
 /* ======================================================================
  * Layers and paths
  * ====================================================================== */
+
+/* Layer operations give 0x03001001 for a null layer and 0x03000E01 for an art
+ * that isn't a layer. Path operations give 0x05000D01 for a null art and
+ * 0x05000E01 for an art of the wrong type. Point indexes are checked: an
+ * index outside 0 to count - 1 gives 0x05000E01 and reads or changes
+ * nothing. */
+
+/** Makes a layer named "Layer<n>" (n = layer count after the insert) in black
+ *  ("R=0,G=0,B=0") and links it: where 0 front, 1 end, 2 behind and 3 in
+ *  front of reference, which must then be a layer of the active document
+ *  (0x03000D01). The new layer becomes the current layer. Any other where
+ *  leaves it unlinked. A non-null reference that isn't a layer: 0x03000D01. */
+RV_API uint32_t RvGiCreateLayer(int16_t where, void* reference, void** layer);
+/** Takes the layer out of the active document and destroys it with all its
+ *  arts. The current layer index stays as it was (an index left past the
+ *  layers gives 0x03000601 to positions 0 and 3). A layer that isn't in the
+ *  active document: 0x03000D01. */
+RV_API uint32_t RvGiDeleteLayer(void* layer);
+/** The layer at index; outside 0 to count - 1: 0x03000601. */
+RV_API uint32_t RvGiGetLayer(void** layer, int16_t index);
+/** The number of layers of the active document, 0 when none is active. */
+RV_API uint32_t RvGiGetLayerCount(int16_t* count);
+/** The first layer with exactly this name, null if there is none. */
+RV_API uint32_t RvGiGetLayerFromName(void** layer, const char* name);
+/** Copies the layer's name into name. */
+RV_API uint32_t RvGiGetLayerName(void* layer, char* name);
+/** Renames the layer; a null layer gives 0x06001001. */
+RV_API uint32_t RvGiSetLayerName(void* layer, const char* name);
+/** The layer's colour, *found always 1. Not a layer: 0x03000701. */
+RV_API uint32_t RvGiGetLayerColor(void* layer, RVCOLOR* color, int32_t* found);
+/** The name of the layer's colour. Not a layer: 0x03000701. */
+RV_API uint32_t RvGiGetLayerColorName(void* layer, char* name);
+/** Sets the layer's colour and its name. Not a layer: 0x03000701. */
+RV_API uint32_t RvGiSetLayerColor(void* layer, const RVCOLOR* color, const char* name);
+
+/** Copies one path or path component (types 2, 4, 5, 6; else 0x05000E01) and
+ *  links it by position as RvGiCreateArt does; no layer: 0x05000601. A path's
+ *  components aren't copied with it: copy each with position 5. */
+RV_API uint32_t RvGiCopyPath(void* source, int16_t position, void* reference, void** art);
+/** Points of a component, or their sum over a path's components. Other
+ *  arts: 0x06000E01. */
+RV_API uint32_t RvGiGetPathSegmentCount(void* art, int32_t* count);
+/** Copies point index of a component into point: an RVBEZIERPOINT, RVARCPOINT
+ *  or RVPOINT by the component's type. A path: 0x05000E01. */
+RV_API uint32_t RvGiGetPathSegment(void* art, int32_t index, void* point);
+/** Copies point index of a Bezier. */
+RV_API uint32_t RvGiGetBezierPoint(void* art, int32_t index, RVBEZIERPOINT* point);
+/** Copies point index of an arc. */
+RV_API uint32_t RvGiGetArcPoint(void* art, int32_t index, RVARCPOINT* point);
+/** Library extension for C hosts, the same as the first form of
+ *  RvGiSetBezierPoint: inserts before index (0 or less: at the front, the
+ *  count or more: at the end). */
+RV_API uint32_t RvGiInsertBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point);
+/** Library extension for C hosts, the same as the second form of
+ *  RvGiSetBezierPoint: appends the point. */
+RV_API uint32_t RvGiAddBezierPoint(void* art, const RVBEZIERPOINT* point);
+/** Replaces point index of a Bezier. */
+RV_API uint32_t RvGiReplaceBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point);
+/** Reverses a Bezier: point order, in and out of each point, and the stored
+ *  start handles. Fewer than 2 points: nothing. Twice gives it back. */
+RV_API uint32_t RvGiReverseBezierPoint(void* art);
+/** Makes point index the first. With closed non-zero the curve keeps the
+ *  closed shape: the first record has in = anchor, the last repeats the first
+ *  anchor with out = anchor, and the start's in handle is kept as the start-in
+ *  point. Index 0 changes nothing. */
+RV_API uint32_t RvGiSortBezierPoint(void* art, int32_t index, int32_t closed);
+/** Sets the in handle of the start of a closed Bezier. */
+RV_API uint32_t RvGiSetBezierStartInPoint(void* art, const RVPOINT* point);
+
+/** Whether a path runs clockwise, as the host or importer set it. */
+RV_API uint32_t RvGiGetPathClockWise(void* art, int32_t* clockwise);
+/** Sets it on a path; other arts are left alone without error. */
+RV_API uint32_t RvGiSetPathClockWise(void* art, int32_t clockwise);
+/** Whether a path is closed. */
+RV_API uint32_t RvGiGetPathClosed(void* art, int32_t* closed);
+/** Sets it on a path; other arts are left alone without error. */
+RV_API uint32_t RvGiSetPathClosed(void* art, int32_t closed);
+/** The selection flag of a group; other arts leave *selected as it was. */
+RV_API uint32_t RvGiGetSelect(void* art, int32_t* selected);
+/** Sets the selection flag of a group; other arts are left alone. */
+RV_API uint32_t RvGiSetSelect(void* art, int32_t selected);
+
+/* The attribute word of an art (any type): the low 16 bits are flags (2: the
+ * art counts for bounds by flag, 16: the art is left out of all output), the
+ * high 16 bits the start segment. Plot info: pattern id (-1), plot value and
+ * text, V-cut element (-1) and value (0). Both are made at the first write. */
+
+/** The low byte of the attribute word; 0 before any write. */
+RV_API uint32_t RvGiGetPathAttrFlag(void* art, uint8_t* flags);
+/** word := flags: this also clears the start segment. */
+RV_API uint32_t RvGiSetPathAttrFlag(void* art, uint8_t flags);
+/** word := word | value (the 16 bits of value). */
+RV_API uint32_t RvGiSetPathProp(void* art, int16_t value);
+/** The start segment (high half of the word); 0 before any write. */
+RV_API uint32_t RvGiGetPathStartSegment(void* art, int16_t* segment);
+/** Replaces the start segment and keeps the flags. */
+RV_API uint32_t RvGiSetPathStartSegment(void* art, int16_t segment);
+/** The pattern id; -1 without plot info. */
+RV_API uint32_t RvGiGetPathPatternID(void* art, int32_t* id);
+/** Sets the pattern id. */
+RV_API uint32_t RvGiSetPathPatternID(void* art, int32_t id);
+/** The plot value and text (the art's key into the condition table); no
+ *  plot info: 0x06001001. */
+RV_API uint32_t RvGiGetPathPlotInfo(void* art, int32_t* value, char* text);
+/** Sets the plot value and text. */
+RV_API uint32_t RvGiSetPathPlotInfo(void* art, int32_t value, const char* text);
+/** The V-cut element and value; no plot info: 0x06001001. */
+RV_API uint32_t RvGiGetPathElementAtVCut(void* art, int16_t* element, int16_t* value);
+/** Sets the V-cut element and value. */
+RV_API uint32_t RvGiSetPathElementAtVCut(void* art, int16_t element, int16_t value);
+
+/** Called by RvGiTracePath for each path; a non-zero result stops the walk
+ *  and becomes its result. */
+typedef uint32_t (*RvGiTracePathFunc)(void* context, void* path);
+
+/** Calls callback(context, path) for each path below art whose attribute
+ *  flags share a bit with mask, depth first, first child first. Paths aren't
+ *  entered and art itself is never passed. The callback may unlink arts
+ *  (RvGiDeleteArt); it must not delete layers or documents. */
+RV_API uint32_t RvGiTracePath(void* art, uint8_t mask, void* context, RvGiTracePathFunc callback);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/** Inserts a point into a Bezier before index (0 or less: at the front, the
+ *  count or more: at the end). A C++ overload; C hosts use RvGiInsertBezierPoint. */
+RV_API uint32_t RvGiSetBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point);
+/** Appends a point to a Bezier. A C++ overload; C hosts use RvGiAddBezierPoint. */
+RV_API uint32_t RvGiSetBezierPoint(void* art, const RVBEZIERPOINT* point);
+
+extern "C" {
+#endif
 
 /* ======================================================================
  * RefMap tables
