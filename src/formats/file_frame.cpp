@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "frame/frame.h"
+#include "model/data_access.h"
 
 namespace rv {
 
@@ -96,6 +97,52 @@ uint32_t CRvFormatStrategy::WriteBlock(const void* data, std::size_t bytes) {
     if (m_file == nullptr || std::fwrite(data, 1, bytes, m_file) < bytes) Raise(kErrShort);
   });
   if (code != 0) CloseAfterFailure();
+  return code;
+}
+
+}  // namespace rv
+
+// ---------------------------------------------------------------------------
+// The driver
+// ---------------------------------------------------------------------------
+
+namespace rv {
+
+uint32_t CRvFile::Import(const char* path, uint16_t mode, int16_t* documentIndex) {
+  if (!m_poFormat) return ErrCode(1, 2);
+  const uint32_t code = Guard([&] {
+    Trace("RvFile::Import\n");
+    CRvDataAccess& store = CRvDataAccess::Instance();
+    if (mode != 0) {
+      // A missing index names no document.
+      store.SetActiveDocument(documentIndex != nullptr ? *documentIndex : int16_t(-1));
+    } else {
+      const int16_t index = store.CreateDocument(0);
+      if (documentIndex != nullptr) *documentIndex = index;
+    }
+    Check(m_poFormat->Open(path != nullptr ? path : "", "rb"));
+    Trace("m_poFormat->ImportToRIF\n");
+    Check(m_poFormat->ImportToRIF());
+    Check(m_poFormat->Close());
+    Trace("Close\n");
+  });
+  // The file is closed once; the code of the failure is the result, not
+  // that of the close.
+  if (code != 0) (void)m_poFormat->Close();
+  return code;
+}
+
+uint32_t CRvFile::Export(const char* path, int16_t documentIndex, void* context) {
+  if (!m_poFormat) return ErrCode(1, 2);
+  const uint32_t code = Guard([&] {
+    Trace("RvFile::Export\n");
+    CRvDataAccess::Instance().SetActiveDocument(documentIndex);
+    Check(m_poFormat->Open(path != nullptr ? path : "", "wb"));
+    Check(m_poFormat->ExportFromRIF(context));
+    Check(m_poFormat->Close());
+    Trace("Close\n");
+  });
+  if (code != 0) (void)m_poFormat->Close();
   return code;
 }
 

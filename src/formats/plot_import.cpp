@@ -1,7 +1,7 @@
 #include "formats/plot_import.h"
 
-#include <array>
 #include <cstdio>
+#include <vector>
 
 #include "formats/file_frame.h"
 #include "frame/frame.h"
@@ -32,7 +32,7 @@ void CRvPlotImportDriver::Import(CRvFormatStrategy& format, double scale) {
   Check(format.SeekFromStart(0));
   file = format.File();
   // One buffer per import; the bytes go through the interpreter one by one.
-  std::array<uint8_t, 1 << 16> buffer;
+  std::vector<uint8_t> buffer(std::size_t(1) << 16);
   for (;;) {
     const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), file);
     if (n == 0) break;
