@@ -1,12 +1,17 @@
 // Throughput of the plot file import: 10 MB generated HP-GL files, one of
 // short pen-down moves, one of arcs. Reported as bytes per second and
-// moves (lines and arcs handed over) per second.
+// moves (lines and arcs handed over) per second, for the whole import
+// (file to document) and for the interpreter alone.
 #include <benchmark/benchmark.h>
 
+#include <unistd.h>
+
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 #include "formats/plot_interpreter.h"
+#include "rvdataaccess.h"
 
 namespace {
 
@@ -70,6 +75,53 @@ void RunInterpreter(benchmark::State& state, const std::string& data) {
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
   state.counters["moves/s"] = benchmark::Counter(double(moves), benchmark::Counter::kIsRate);
 }
+
+/// Moves the interpreter hands over for `data`.
+int64_t CountMoves(const std::string& data) {
+  CountingSink sink;
+  rv::CRvPlotInterpreter in(sink);
+  const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
+  in.SetDialect(rv::CRvPlotInterpreter::DetectDialect(bytes, data.size()));
+  in.Feed(bytes, data.size());
+  in.FeedEnd();
+  return sink.moves;
+}
+
+/// The whole import: file, interpreter, paths in a new document.
+void RunImport(benchmark::State& state, const std::string& data) {
+  char name[] = "/tmp/bench_plt_import_XXXXXX";
+  const int fd = mkstemp(name);
+  if (fd < 0 || write(fd, data.data(), data.size()) != ssize_t(data.size())) {
+    state.SkipWithError("cannot write the input file");
+    return;
+  }
+  close(fd);
+  const int64_t moves = CountMoves(data);
+  for (auto _ : state) {
+    int16_t index = -1;
+    const double scale = 0.0;
+    const uint32_t code = RvImPLTToRIF(name, 0, &index, &scale);
+    if (code != 0) state.SkipWithError("import failed");
+    state.PauseTiming();
+    RvGiDeleteActiveDocument();
+    state.ResumeTiming();
+  }
+  std::remove(name);
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
+  state.counters["moves/s"] = benchmark::Counter(double(moves) * double(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+void BM_ImportShortMoves(benchmark::State& state) {
+  static const std::string data = ShortMoves();
+  RunImport(state, data);
+}
+BENCHMARK(BM_ImportShortMoves)->Unit(benchmark::kMillisecond);
+
+void BM_ImportArcs(benchmark::State& state) {
+  static const std::string data = Arcs();
+  RunImport(state, data);
+}
+BENCHMARK(BM_ImportArcs)->Unit(benchmark::kMillisecond);
 
 void BM_InterpretShortMoves(benchmark::State& state) {
   static const std::string data = ShortMoves();

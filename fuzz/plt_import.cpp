@@ -1,39 +1,42 @@
-// Fuzz target: arbitrary bytes through the plot interpreter.
-#include <cmath>
+// Fuzz target: arbitrary bytes as a plot file through RvImPLTToRIF. The
+// content of a file never fails the import (the result is 0, or 1 when
+// nothing is drawn), and nothing may crash, hang or leak.
+#include <unistd.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <string>
 
-#include "formats/plot_interpreter.h"
+#include "rvdataaccess.h"
 
 namespace {
 
-// Every move must arrive in whole, finite plotter units.
-class CheckingSink : public rv::CRvPlotSink {
- public:
-  void DrawLine(const rv::PlotPoint& from, const rv::PlotPoint& to, int16_t) override {
-    Check(from);
-    Check(to);
-  }
-  void DrawArc(const rv::PlotArc& arc) override {
-    Check(arc.from);
-    Check(arc.to);
-    Check(arc.centre);
-  }
-
- private:
-  static void Check(const rv::PlotPoint& p) {
-    if (!std::isfinite(p.x) || !std::isfinite(p.y) || p.x != std::floor(p.x) || p.y != std::floor(p.y)) std::abort();
-  }
-};
+const std::string& InputPath() {
+  static const std::string path = [] {
+    char name[] = "/tmp/fuzz_plt_import_XXXXXX";
+    const int fd = mkstemp(name);
+    if (fd < 0) std::abort();
+    close(fd);
+    return std::string(name);
+  }();
+  return path;
+}
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  CheckingSink sink;
-  rv::CRvPlotInterpreter interpreter(sink);
-  interpreter.SetDialect(rv::CRvPlotInterpreter::DetectDialect(data, size));
-  interpreter.Feed(data, size);
-  interpreter.FeedEnd();
+  const std::string& path = InputPath();
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  if (f == nullptr) std::abort();
+  if (size != 0 && std::fwrite(data, 1, size, f) != size) std::abort();
+  std::fclose(f);
+
+  int16_t index = -1;
+  const double scale = 0.0;
+  const uint32_t code = RvImPLTToRIF(path.c_str(), 0, &index, &scale);
+  if (code != 0 && code != 1) std::abort();
+  if (RvGiDeleteActiveDocument() != 0) std::abort();
   return 0;
 }

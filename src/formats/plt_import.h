@@ -15,8 +15,8 @@ class CRvPath;
 
 /// The extent of a path of Beziers and arcs by the same walk as the path's
 /// own bounds (CRvPath::GetBounds), with a straight piece taken by its two
-/// ends, which is what its chords give, and a bent piece of more than a
-/// million units by its control points. Costs no flattening of lines.
+/// ends, which is what its chords give, and a bent piece of more than 65536
+/// units by its control points. Costs no flattening of lines.
 RVRECT DirectPathBounds(const CRvPath& path);
 
 /// Makes paths of the interpreter's moves in layer 0 of the active
@@ -41,8 +41,8 @@ class CRvPLTImportData : public CRvPlotBuilder {
   void NewComponent(int16_t componentType);
   void AppendAnchor(const RVPOINT& point);
   /// The path's extent as the path's bounds give it. Paths with straight
-  /// pieces of more than a million units, and all paths once an import has
-  /// flattened 2^26 units of lines for bounds, are measured directly by the
+  /// pieces of more than 65536 units, and all paths once an import has
+  /// flattened 2^22 units of lines for bounds, are measured directly by the
   /// same rules (a straight piece by its ends), which gives the same box.
   RVRECT PathBounds(CRvArt* path);
 
