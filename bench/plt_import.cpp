@@ -17,13 +17,14 @@ namespace {
 
 constexpr std::size_t kFileSize = 10u << 20;
 
-/// PD lists of short moves wandering over a sheet, 50 pairs a command.
+/// Strokes of 50 short moves wandering over a sheet: a pen-up move, then a
+/// PD list of 50 pairs, as plotter drivers write outlines.
 std::string ShortMoves() {
-  std::string s = "IN;SP1;PU1000,1000;";
+  std::string s = "IN;SP1;";
   s.reserve(kFileSize + 256);
   uint32_t x = 1000, y = 1000, seed = 12345;
   while (s.size() < kFileSize) {
-    s += "PD";
+    s += "PU" + std::to_string(x) + "," + std::to_string(y) + ";PD";
     for (int i = 0; i < 50; ++i) {
       seed = seed * 1103515245u + 12345u;
       x = 1000 + (x + (seed >> 16) % 41 - 20) % 30000;
@@ -38,8 +39,25 @@ std::string ShortMoves() {
   return s;
 }
 
-/// Circles and arcs: a pen-up move, an arc about a centre, a three-point arc.
+/// Curved outlines: a pen-up move, then a pen-down stroke of 20 quarter
+/// arcs (AR) winding along, each continuing the last.
 std::string Arcs() {
+  std::string s = "IN;SP1;";
+  s.reserve(kFileSize + 256);
+  uint32_t i = 0;
+  while (s.size() < kFileSize) {
+    const uint32_t x = 1000 + (i * 37) % 30000, y = 1000 + (i * 91) % 20000;
+    s += "PU" + std::to_string(x) + "," + std::to_string(y) + ";PD;";
+    for (int k = 0; k < 20; ++k) s += k % 2 ? "AR0,150,-90;" : "AR150,0,90;";
+    s += "\n";
+    ++i;
+  }
+  return s;
+}
+
+/// Many small paths of arcs: a pen-up move, an arc about a centre and an arc
+/// through three points, one path each.
+std::string ArcPaths() {
   std::string s = "IN;SP1;";
   s.reserve(kFileSize + 256);
   uint32_t i = 0;
@@ -122,6 +140,12 @@ void BM_ImportArcs(benchmark::State& state) {
   RunImport(state, data);
 }
 BENCHMARK(BM_ImportArcs)->Unit(benchmark::kMillisecond);
+
+void BM_ImportArcPaths(benchmark::State& state) {
+  static const std::string data = ArcPaths();
+  RunImport(state, data);
+}
+BENCHMARK(BM_ImportArcPaths)->Unit(benchmark::kMillisecond);
 
 void BM_InterpretShortMoves(benchmark::State& state) {
   static const std::string data = ShortMoves();
