@@ -342,6 +342,67 @@ RV_API uint32_t RvMiFreePoints(RVCURVEPOINT* points);
  * Path judgments and start-point optimisation
  * ====================================================================== */
 
+/** One element of the array of RvMiJudgeInsideOutsidePath. The caller fills
+ *  art (a path art) and sets inside to 0; the call sets inside to 1 for a
+ *  path that lies at an odd depth inside the others. */
+typedef struct RVINSIDEPATH {
+  void* art;
+  int32_t inside;
+} RVINSIDEPATH;
+
+/* Path judgments are made on the coarse polyline of a path: its first
+ * component (a Bezier), walked from the start segment round, each segment
+ * from its point to the next (the last one closing to point 0 whether the
+ * path is marked closed or not) flattened with maxLength 2.0 and tolerance
+ * 2.0. Where a judgment applies the path's matrix, it maps the anchors only.
+ * A path that can't be read gives 0x06001001 (null path), 0x05000D01 (no
+ * component) or 0x05000E01 (a first component that isn't a Bezier). */
+
+/** Orientation of a Bezier component (not the path), without matrix: 1
+ *  clockwise, 2 counter-clockwise, 0 for no area or a component that can't
+ *  be read. closed has no effect. */
+RV_API int32_t RvMiJudgePathClockwise(void* path, int32_t closed);
+/** *inside := 1 when point lies inside the path (winding angle of its coarse
+ *  polyline above pi), else 0. A null point gives 0x05000D01. */
+RV_API uint32_t RvMiJudgeInsidePoint(void* path, const RVPOINT* point, int32_t* inside);
+/** *inside := 1 when every point of the coarse polyline of path (but the last
+ *  of each segment) lies inside outer, else 0; 0 for a path without points. */
+RV_API uint32_t RvMiJudgeInsidePath(void* path, void* outer, int32_t* inside);
+/** Sorts the elements of paths by absolute area, largest first (equal
+ *  areas keep their order), then flips `inside` of every path that lies
+ *  inside an earlier one with the same flag, so that the flag is the parity
+ *  of the nesting depth; invert non-zero flips all flags at the end. The
+ *  caller sets every inside to 0 first, and ends the array with an element
+ *  whose art is null (the terminator isn't moved; a null array is an empty
+ *  one). Each path is read once per call; pairs far apart cost a box
+ *  comparison. */
+RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t invert);
+/** Whether a corner that turns by Angle degrees (LimitAngle the limit) is cut
+ *  from both sides: when bInside differs from bClockwise, Angle > LimitAngle;
+ *  when they are equal, -LimitAngle > Angle. Returns 1 or 0. */
+RV_API int32_t RvMiIsBothSidesCutLine(double Angle, double LimitAngle, int32_t bInside, int32_t bClockwise);
+/** Moves the start of a closed path to its best corner: the first straight
+ *  side (within 1 degree) that leaves a corner (a turn of more than 10
+ *  degrees), a longer straight one after it, or while there is none the
+ *  longest chord leaving a corner; the earlier index wins a tie. The points
+ *  are judged through matrix (null: identity). For type 5 the corner where
+ *  that side ends comes first, the points are only rotated and
+ *  *startSegment gets its old index; for any other type the corner where the
+ *  side begins comes first, the closed shape is kept (RvGiSortBezierPoint)
+ *  and *startSegment is 0. The component's start segment becomes 0. An open
+ *  path is left alone, *startSegment isn't written and the result is 0. A
+ *  failure to read the closed flag goes to Exception() first. */
+RV_API uint32_t RvMiOptimizeStartSegment(void* path, const RVRIFMATRIX* matrix, int16_t type,
+                                         int16_t* startSegment);
+/** Inserts a point into the Bezier component path between index and
+ *  index + 1, length along the curve a-b (RvMiDivideBezierByLength), where a
+ *  and b are the points at index and index + 1 given in the space that
+ *  matrix maps the component into; the two points are replaced by the split
+ *  halves mapped back. A matrix without inverse (0x08001901) changes nothing.
+ *  Failures go to Exception(). */
+RV_API void RvMiCreateJointSegment(void* path, int32_t index, const RVBEZIERPOINT* a, const RVBEZIERPOINT* b,
+                                   const RVRIFMATRIX* matrix, double length);
+
 /* ======================================================================
  * Documents
  * ====================================================================== */
@@ -594,6 +655,154 @@ extern "C" {
 /* ======================================================================
  * RefMap tables
  * ====================================================================== */
+
+/* A RefMap table files art handles under text keys. It keeps the keys in
+ * bytewise order, for each key the arts filed under it (newest first), an
+ * info byte per key (bit value 2: the entry is output) and a cut order of the
+ * keys, which starts as the order of insertion and which every trace walks.
+ * Tables hold plain art pointers: destroy the tables before the documents.
+ *
+ * Tables are addressed by a 16-bit index `map`. A map that names no table
+ * throws std::out_of_range ("invalid vector<T> subscript") through the call,
+ * in every function that takes one, RvGiDeleteSpecificRefMapTable too; the
+ * library stays usable afterwards. A null text argument counts as the empty
+ * text; a null output pointer is not written.
+ *
+ * Trace callbacks get the context of the call and one art. A non-zero result
+ * ends the trace, and the trace returns it. A callback may file arts and
+ * change the tree, but must not unlink the art that it was given.
+ *
+ * Drilling (drill non-zero): a group or compound filed under a key is not
+ * passed itself; instead every path below it is, depth first, without
+ * entering paths. Other arts are passed as they are. A null art filed under
+ * a key is never passed to a callback. */
+
+/** Trace callback: a non-zero result ends the trace and becomes its result. */
+typedef uint32_t (*RvRefMapTraceFunc)(void* context, void* art);
+/** Trace callback that also gets the entry's user info. */
+typedef uint32_t (*RvRefMapTraceInfoFunc)(void* context, void* art, void* userInfo);
+
+/** Appends a new empty table; *map gets its index. Beyond 32767 tables the
+ *  call throws std::length_error. */
+RV_API uint32_t RvGiCreateRefMapTable(int16_t* map);
+/** Destroys all tables (not their arts) and empties the list. */
+RV_API uint32_t RvGiDeleteRefMapTable(void);
+/** Destroys table map; later tables move down by one. The remembered indexes
+ *  are not changed. */
+RV_API uint32_t RvGiDeleteSpecificRefMapTable(int16_t map);
+/** Files art under key. A new key takes info and goes to the end of the
+ *  insertion and cut orders; a known key gets the art in front of its arts
+ *  and keeps its info. */
+RV_API uint32_t RvGiAddRefMapData(int16_t map, const char* key, uint8_t info, void* art);
+/** Sets the info byte of key; a missing key is ignored. */
+RV_API uint32_t RvGiSetRefMapInfo(int16_t map, const char* key, uint8_t info);
+/** *info := the info byte of key, 0 for a missing key (code 0). */
+RV_API uint32_t RvGiFindRefMapInfo(int16_t map, const char* key, uint8_t* info);
+/** Sets the user info type of key. With type 1, data is a text of which the
+ *  entry keeps its own copy (a null text gives a null user info); earlier
+ *  copies stay valid as long as the table lives. With another type only the
+ *  type is stored. A missing key is ignored. */
+RV_API uint32_t RvGiSetRefMapUserInfo(int16_t map, const char* key, int16_t type, void* data);
+/** RvGiSetRefMapUserInfo for every key of the table, in key order. */
+RV_API uint32_t RvGiSetAllRefMapUserInfo(int16_t map, int16_t type, void* data);
+/** *value := the user info pointer of key, 0 for a missing key. */
+RV_API uint32_t RvGiGetRefMapUserInfo(int16_t map, const char* key, uint64_t* value);
+/** The number of keys of table map. */
+RV_API int32_t RvGiGetRefMapArtCount(int16_t map);
+/** Copies the key of item order of the cut order into key and, if the entry
+ *  has a user info text, that text into userInfo (else userInfo is left as
+ *  it is). An order outside the cut order throws std::out_of_range. */
+RV_API void RvGiGetInfoAtCutOrder(int16_t map, int16_t order, char* key, char* userInfo);
+/** Moves key in the cut order so that it becomes item number position (0 or
+ *  less: first; at or past the end: last). Returns 0, or -1 for a missing
+ *  key. */
+RV_API int32_t RvGiChangeCutOrder(int16_t map, const char* key, int32_t position);
+/** Orders the tile table (RvGiSetRefMapTileIndex) by tile number: both of
+ *  its orders become the keys prefix1, prefix2, ... ("%s%d") that exist, in
+ *  ascending number, up to count of them; other keys drop out of both
+ *  orders. When fewer than count such keys exist, all of them are taken
+ *  (the search ends after the last number that can be formed; keys longer
+ *  than 127 characters never match). Returns 0, or -1 when no tile table is
+ *  set. */
+RV_API int32_t RvGiRegistTileCutOrder(const char* prefix, int32_t count);
+/** Makes the cut order of every table its insertion order again. */
+RV_API void RvGiInitializeCutOrder(void);
+/** Reverses the cut order of table map and toggles its reversed flag. */
+RV_API void RvGiReverseRefMapCurOrder(int16_t map);
+
+/** For each entry of the cut order whose info shares a bit with mask (every
+ *  entry for mask 0): each of its arts in order, drilled if drill is set. */
+RV_API uint32_t RvGiRefMapTableTrace(int16_t map, uint8_t mask, void* context, RvRefMapTraceFunc callback,
+                                     int32_t drill);
+/** RvGiRefMapTableTrace with the entry's user info as third argument. */
+RV_API uint32_t RvGiRefMapTableTraceWithInfo(int16_t map, uint8_t mask, void* context,
+                                             RvRefMapTraceInfoFunc callback, int32_t drill);
+/** RvGiRefMapTableTrace that passes the arts as they are, never drilling. */
+RV_API uint32_t RvGiRefMapTablePathTrace(int16_t map, uint8_t mask, void* context, RvRefMapTraceFunc callback);
+/** The arts of one key. A missing key returns 0 without a call; an info
+ *  that shares no bit with mask (mask 0 always) gives 0x05001001. */
+RV_API uint32_t RvGiRefMapTableMatchTrace(int16_t map, const char* key, uint8_t mask, void* context,
+                                          RvRefMapTraceFunc callback, int32_t drill);
+/** One step of the cut order a call. Start with *state 0; each call visits
+ *  one entry and sets *state to 1 while entries follow, 2 after the last.
+ *  An entry whose info shares no bit with mask (any entry for mask 0 is
+ *  taken) is stepped over with code 0x06001001. A failing callback leaves
+ *  the walk on its entry. One walk position serves all tables. On a table
+ *  without entries, and on a call after *state came back 2, the call does
+ *  nothing and returns 0. A null state counts as 0. */
+RV_API uint32_t RvGiRefMapTableOrderTrace(int16_t map, uint8_t mask, int16_t* state, void* context,
+                                          RvRefMapTraceFunc callback, int32_t drill);
+/** For each entry of the cut order, unmasked: one call with its newest art. */
+RV_API uint32_t RvGiRefMapTableUniqTrace(int16_t map, void* context, RvRefMapTraceFunc callback);
+
+/* The remembered table indexes. They are only stored: the output reads them
+ * to find its tables. All start at -1 (0xFFFF, no table), except the plot
+ * condition index, which starts at 0. The setters never fail. */
+
+/** The main table: the arts to output. */
+RV_API uint32_t RvGiSetRefMapIndex(int16_t map);
+/** The table keyed by layer. */
+RV_API uint32_t RvGiSetRefMapLayerIndex(int16_t map);
+/** The table keyed by colour. */
+RV_API uint32_t RvGiSetRefMapColorIndex(int16_t map);
+/** The table keyed by tile; -1 makes RvGiRegistTileCutOrder refuse. */
+RV_API uint32_t RvGiSetRefMapTileIndex(int16_t map);
+/** The first table of the router offset output. */
+RV_API uint32_t RvGiSetRefMapRouterOffsetSIndex(int16_t map);
+/** The last table of the router offset output, inclusive. */
+RV_API uint32_t RvGiSetRefMapRouterOffsetEIndex(int16_t map);
+/** The table of the router plot. */
+RV_API uint32_t RvGiSetRefMapRouterPlotIndex(int16_t map);
+/** The table of the plot conditions. */
+RV_API uint32_t RvGiSetRefMapPlotConditionIndex(int16_t map);
+/** The first table of the hatching output. */
+RV_API uint32_t RvGiSetRefMapHatchingSIndex(int16_t map);
+/** The last table of the hatching output, inclusive. */
+RV_API uint32_t RvGiSetRefMapHatchingEIndex(int16_t map);
+/** The table of the hatching plot. */
+RV_API uint32_t RvGiSetRefMapHatchingPlotIndex(int16_t map);
+/** The hatching plot table index. */
+RV_API int16_t RvGiGetRefMapHatchingPlotIndex(void);
+/** The plot condition table index. */
+RV_API int16_t RvGiGetRefMapPlotConditionIndex(void);
+/** The router plot table index. */
+RV_API int16_t RvGiGetRefMapRouterPlotIndex(void);
+
+/** Union of the bounds (RvGiGetArtBounds) of the arts of the main table
+ *  (RvGiSetRefMapIndex) whose entries share a bit with mask, not drilled:
+ *  with mode non-zero the arts with attribute flag 2, with mode 0 those with
+ *  flag 2 and without flag 16. All zeros when no art counts. 0x03000601 when
+ *  the active document has no layer (or no document is active). */
+RV_API uint32_t RvGiGetArtsBoundsByFlag(RVRECT* rect, uint8_t mask, int32_t mode);
+/** Union of the bounds of the arts with attribute flag 2 filed under key in
+ *  the main table, paths inside groups and compounds included (a match trace
+ *  with mask 2: an entry without info bit 2 gives 0x05001001). All zeros and
+ *  0 for a key that isn't there. 0x03000601 as above. */
+RV_API uint32_t RvGiGetArtsBoundsByKey(RVRECT* rect, const char* key);
+/** 0 when every path of table map (entries with info bit 2, drilled) is a
+ *  register mark: open, in a group, without fill, with 3 points; else
+ *  0xFFFFFFFF at the first path that isn't, or the code of a failed read. */
+RV_API uint32_t RvGiCheckTombo(int16_t map);
 
 /* ======================================================================
  * File import
