@@ -41,12 +41,6 @@ void CRvPlotImportDriver::Import(CRvFormatStrategy& format, double scale) {
   End();
 }
 
-void CRvPlotImportDriver::ImportBytes(const uint8_t* bytes, std::size_t count, double scale) {
-  Begin(scale, bytes, count);
-  m_interpreter.Feed(bytes, count);
-  End();
-}
-
 PlotPathValues CRvPlotImportDriver::Values() const {
   return {m_interpreter.VCutValid(), m_interpreter.VCutElement(), m_interpreter.VCutValue()};
 }

@@ -459,8 +459,6 @@ void CRvPlotInterpreter::RunCommand() {
 }
 
 void CRvPlotInterpreter::RunAction(uint8_t action) {
-  const int n = m_count;
-  const double* a = m_args;
   switch (action) {
     case kActPU:
     case kActPD:
@@ -516,8 +514,6 @@ void CRvPlotInterpreter::RunAction(uint8_t action) {
     case kActBracket: DoBracket(); return;
     case kActStar: DoStar(); return;
     default:
-      (void)n;
-      (void)a;
       return;  // recognised only: pens, line types, labels, device queries
   }
 }

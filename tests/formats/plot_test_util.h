@@ -13,6 +13,14 @@
 
 namespace rvtest {
 
+/// Under the sanitizers every byte costs some ten times more: the tests of
+/// huge inputs scale their volume by this.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr long kHugeScale = 4;
+#else
+constexpr long kHugeScale = 1;
+#endif
+
 struct Move {
   bool arc = false;
   rv::PlotPoint from, to, centre;
