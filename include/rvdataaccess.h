@@ -859,6 +859,220 @@ RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIn
  * Cut conditions
  * ====================================================================== */
 
+/* One condition table exists per process. It serves one machine family at a
+ * time, set by RvLoadCutCondition and RvLoadFromCSV (0 until then):
+ *   0 TQ (and every number not listed), 1 WD, 2 WD3, 3 WD3K (milling),
+ *   4 BNS, 5 TQ2, 6 TQNV, 7 WDP, 8 YBNS, 9 TQNV2, 10 WD22, 11 SOVE (laser),
+ *   12 SOPI (laser), 13 HWD (coating), 14 TQHB, 15 WDZK (milling), 16 WDZ,
+ *   17 the favourite file.
+ * A media (a named material) has a list of conditions, one per pass.
+ *
+ * Text: every string in these records and arguments is zero-ended text in
+ * the encoding of the user's default locale (LC_CTYPE from the environment).
+ * Condition files are UTF-8; the library converts between the two while it
+ * reads or writes, and cuts a text that doesn't fit its field at a character
+ * boundary. A character that the locale can't represent becomes '?'. Numbers
+ * in files are always written and read with a '.' as decimal mark. The
+ * library changes no locale setting of the process: it works under a
+ * thread-local locale that it drops before the call returns. */
+
+/** Sizes of the text fields of CondRecord, terminator included. */
+#define RV_COND_TOOL_SIZE 32
+#define RV_COND_TEXT_SIZE 64
+/** Limit of a media name in a condition file, terminator included. */
+#define RV_COND_NAME_SIZE 256
+/** Number of slots of each favourite list. */
+#define RV_FAVORITE_COUNT 250
+
+/** How the cutting families split long lines into parts. Available is -1
+ *  where the family (machine type 0) has no such thing, else 0 or 1. */
+typedef struct DivideCutRecord {
+  int32_t Available;
+  int32_t divideKind;
+  double minLength;
+  double limitAngle; /* degrees */
+  int32_t divideSide;
+  double jointLength;
+} DivideCutRecord;
+
+/** One cut condition. Each family uses its own fields; the others are
+ *  carried along but have no meaning (the library fills them with zero when
+ *  it builds a record itself). Records compare field by field, text up to its
+ *  terminator, doubles exactly; a record that differs in any field, also one
+ *  of another family, is a different record. Text longer than its array is
+ *  cut to fit (terminator in the last byte). */
+typedef struct CondRecord {
+  char Tool[RV_COND_TOOL_SIZE]; /* all but laser and coating; 31 bytes in files */
+  uint32_t hasSpeed;            /* 0 or 1: Speed / SpeedDecimal is set */
+  uint32_t hasPress;            /* 0 or 1: Press is set */
+  uint32_t hasOffset;           /* 0 or 1: Offset is set */
+  int16_t Speed;                /* whole-number speed */
+  int16_t Press;
+  double Offset;
+  double Thickness;    /* WD3K, WDZ, WDZK */
+  double SpeedDecimal; /* decimal speed: WDP, WD22, WDZ and milling */
+  double LaserSpeed;
+  double LaserPower;
+  int16_t LaserFreq;                 /* SOVE */
+  char LaserDpi[RV_COND_TEXT_SIZE];  /* SOPI */
+  int32_t CutDirection;              /* milling */
+  char InkName[RV_COND_TEXT_SIZE];   /* coating from here ... */
+  char MediaType[RV_COND_TEXT_SIZE];
+  double MediaThickness;
+  char NozzleType[RV_COND_TEXT_SIZE];
+  double CoatingThickness;
+  double Gap;
+  char NozzleRotation[RV_COND_TEXT_SIZE]; /* a whole number as text */
+  double FlowRate;
+  double AtomizationPress;
+  double CoatingSpeed;
+  double Pitch;
+  double SpeedAdjust;
+  double PitchAdjust;
+  int32_t CoatingFillDirection;
+  double MisalignmentCorrect;
+  double CoatingJoinLimit;
+  double CoatingFillOffset; /* ... to here */
+  int16_t WDZUnit;          /* WDZ, WDZK: number of the tool unit */
+  double ZPosition;         /* WDZ, WDZK */
+  int32_t VCutType;         /* WDZ */
+  double VCutOffset;        /* WDZ */
+  DivideCutRecord DivideCut;
+} CondRecord;
+
+/** The extension of a condition for every family but milling. */
+typedef struct ThetaExtension {
+  int32_t Available;
+  double values[6];
+} ThetaExtension;
+
+/** The extension of a condition for the milling families (3 and 15). */
+typedef struct MillingExtension {
+  uint32_t hasRpm;          /* 0 or 1 */
+  uint32_t hasCuttingDepth; /* 0 or 1 */
+  uint32_t hasZSpeed;       /* 0 or 1 */
+  uint32_t hasMilling;      /* 0 or 1 */
+  int16_t Rpm;
+  double CuttingDepth;
+  int16_t ZSpeed;
+  double Milling;
+} MillingExtension;
+
+/** A condition and its extension: a ThetaExtension or, with machine type 3
+ *  and 15, a MillingExtension. Pairs that the library hands out point into
+ *  its store of conditions: they stay valid until the process ends, also
+ *  after the media was deleted, and must not be written through. A pair that
+ *  the host hands in is copied; a null extension counts as one of zeros. */
+typedef struct CondPair {
+  const CondRecord* record;
+  const void* extension;
+} CondPair;
+
+/** One pass of a milling job as RvCLSetCutCondition takes it. */
+typedef struct CLCondition {
+  char Tool[RV_COND_TOOL_SIZE];
+  uint32_t hasSpeed;
+  double Thickness;
+  double SpeedDecimal;
+  int32_t CutDirection;
+  uint32_t hasRpm;
+  uint32_t hasCuttingDepth;
+  uint32_t hasZSpeed;
+  uint32_t hasMilling;
+  int16_t Rpm;
+  double CuttingDepth;
+  int16_t ZSpeed;
+  double Milling;
+  int16_t WDZUnit;
+} CLCondition;
+
+/** One entry of a favourite list: a tool or media bound to a file and stroke
+ *  title (colour lists) or to a layer title (layer lists). */
+typedef struct FavoriteEntry {
+  char title[101];       /* file title or layer title */
+  char strokeTitle[101]; /* stroke title; unused in the layer lists */
+  char value[65];        /* tool or media name */
+} FavoriteEntry;
+
+/** Called for each pass of each media in a condition trace. name is the
+ *  media name, valid for the length of the call; pair is a copy that the
+ *  library holds for the call. Return 0 to go on; any other value ends the
+ *  trace and becomes its result. The callback must not change the table. */
+typedef int32_t (*RvCutConditionTraceFunc)(void* ctx, const char* name, const CondPair* pair);
+/** Called for each media in a name trace; as RvCutConditionTraceFunc. */
+typedef int32_t (*RvMediaNameTraceFunc)(void* ctx, const char* name);
+
+/** Puts a condition into the list of media before position repeatIndex (0
+ *  first; the count appends), making the media at the end of the media order
+ *  if it doesn't exist. 0x06001001 for an index outside 0..count (a media made
+ *  by the call stays, empty), a null media or a null record. */
+RV_API uint32_t RvAddCutCondition(const char* media, int32_t repeatIndex, const CondPair* pair);
+/** Makes a new media at position of the media order with pair as its only
+ *  condition. 0x06001001 if the media exists or position is outside 0..count. */
+RV_API uint32_t RvInsertCutCondition(const char* media, int32_t position, const CondPair* pair);
+/** Replaces all conditions of media by count milling passes; the media goes
+ *  to the front of the media order. count 0 just removes the media. */
+RV_API uint32_t RvCLSetCutCondition(const char* media, const CLCondition* records, int32_t count);
+/** Removes condition index (0 first) of media; a media with one condition is
+ *  removed whatever index says. 0x06001001 for an unknown media or index. */
+RV_API uint32_t RvDeleteCutCondition(const char* media, int32_t index);
+/** Removes a media with all its conditions; an unknown media is no failure. */
+RV_API uint32_t RvDeleteCutConditionByMedia(const char* media);
+/** Removes all media. The machine type stays. */
+RV_API uint32_t RvDeleteAllCutCondition(void);
+/** For each media in order and each of its passes: callback(ctx, name, pair). */
+RV_API uint32_t RvCutConditionTrace(void* ctx, RvCutConditionTraceFunc callback);
+/** The same for one media; an unknown media makes no call and returns 0. */
+RV_API uint32_t RvCutConditionTraceByKey(const char* media, void* ctx, RvCutConditionTraceFunc callback);
+/** For each media in order: callback(ctx, name). */
+RV_API uint32_t RvGetMediaNameTrace(void* ctx, RvMediaNameTraceFunc callback);
+/** Copies the pair of pass repeat (1 first) of media. An unknown media returns
+ *  0 and leaves *pair as it was; repeat outside 1..count gives 0x06001001. */
+RV_API uint32_t RvGetCutConditionByKeyAtRepeat(const char* media, int32_t repeat, CondPair* pair);
+/** The number of conditions of media, 0 for an unknown media. No code. */
+RV_API int32_t RvGetRepeatCount(const char* media);
+/** Sorts the media order by name, bytewise. 0x06001001 on an empty table. */
+RV_API uint32_t RvSortCondition(void);
+/** Sets the machine type and fills the table, which must be empty (else
+ *  65535), from a condition file. XML codes: 13 the file can't be loaded (or
+ *  has more than one root element), 15 wrong root or a required element
+ *  missing or empty, 65535 no version. The media read before a failure stay.
+ *  A number that doesn't scan stays unset (-1). Element texts are cut at 255
+ *  characters. In a coating file of version "1.00" AtomizationPress is 0.1
+ *  whatever the file holds. With machine type 5 and a path that contains
+ *  "CurrentTQCondition.xml" a tool beginning with CT4, CT5, PIN or HLF is
+ *  replaced as a whole by CT6, CT7, CT4 or CT5 (also on import). */
+RV_API uint32_t RvLoadCutCondition(uint16_t machineType, const char* path);
+/** Adds the media of a condition file of the machine type in force. A name
+ *  that exists gets "-1" to "-128" behind it, the name cut so that it keeps
+ *  64 characters; a name of more than 64 characters is cut to 64. */
+RV_API uint32_t RvImportCutCondition(const char* path);
+/** Writes the table as a condition file of the machine type in force
+ *  (UTF-8, no white space between elements). 14 if it can't be written. */
+RV_API uint32_t RvSaveCutCondition(const char* path);
+/** Sets the machine type, fills the empty table (else 65535) from a CSV file
+ *  of lines "name,tool,speed,press,offset" and writes it as a condition file
+ *  at xmlPath. A run of commas counts as one; a line with fewer than five
+ *  fields and a last line without line end are skipped; a line longer than
+ *  1047 bytes is read in pieces; the name is cut to 255 bytes, the tool to
+ *  31. Speed is a whole number (the low 16 bits of a larger one); families
+ *  with decimal speed take it as their decimal speed too. Other elements of
+ *  the family have no source and are written as -1. 0x01001001 if the CSV
+ *  file can't be opened (the machine type is set all the same). */
+RV_API uint32_t RvLoadFromCSV(uint16_t machineType, const char* csvPath, const char* xmlPath);
+/** Reads the favourite file (machine type 17) into the four arrays of
+ *  RV_FAVORITE_COUNT slots, from slot 0; a list with more entries stops at
+ *  the limit. A file that can't be opened returns 0 and leaves the arrays
+ *  as they are. A null array skips its list. */
+RV_API uint32_t RvReadFavoriteFile(uint16_t machineType, const char* path, FavoriteEntry* colorTools,
+                                   FavoriteEntry* colorMedias, FavoriteEntry* layerTools,
+                                   FavoriteEntry* layerMedias);
+/** Writes the favourite file: of each array the first n slots, where n is the
+ *  number of slots (out of 250) with a non-empty title. */
+RV_API uint32_t RvWriteFavoriteFile(uint16_t machineType, const char* path, const FavoriteEntry* colorTools,
+                                    const FavoriteEntry* colorMedias, const FavoriteEntry* layerTools,
+                                    const FavoriteEntry* layerMedias);
+
 /* ======================================================================
  * Preference files
  * ====================================================================== */
