@@ -14,95 +14,7 @@ namespace {
 constexpr double kCloseTolerance = 0.1;  // document units, whatever the scale
 constexpr int16_t kLastChild = 5;
 
-// The bounds of a path flatten each straight piece into chords of at most 2
-// units. A plot file can hold lines of kilometres, which would spend the
-// import's time on bounds alone (and past 2 million units fail the curve
-// code's point limit): such pieces, and all pieces once an import has
-// flattened this budget, are measured directly. Real jobs stay well below
-// (a 2.8 MB nesting job draws 1.4 million units of lines, none longer than
-// 18000).
-constexpr double kLongestFlattenedPiece = double(1 << 16);
-constexpr double kFlattenBudget = double(1 << 22);
-
-bool IsStraight(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
-  return a.out.x == a.anchor.x && a.out.y == a.anchor.y && b.in.x == b.anchor.x && b.in.y == b.anchor.y;
-}
-
-double PieceLength(const RVPOINT& a, const RVPOINT& b) { return std::hypot(b.x - a.x, b.y - a.y); }
-
-/// The straight length that the bounds walk of `path` flattens, and its
-/// longest piece.
-double FlattenedLength(const CRvPath& path, double& longest) {
-  double total = 0.0;
-  const RVBEZIERPOINT* prev = nullptr;
-  auto add = [&](const RVPOINT& a, const RVPOINT& b) {
-    const double l = PieceLength(a, b);
-    total += l;
-    longest = std::max(longest, l);
-  };
-  for (const CRvArt* child : path.m_children.items()) {
-    if (child->GetType() == kArtBezier) {
-      const auto& pts = static_cast<const CRvBezier*>(child)->m_points;
-      if (pts.empty()) continue;
-      if (prev != nullptr) add(prev->anchor, pts.front().anchor);
-      for (std::size_t i = 1; i < pts.size(); ++i) add(pts[i - 1].anchor, pts[i].anchor);
-      prev = &pts.back();
-    } else if (child->GetType() == kArtArc) {
-      const auto& pts = static_cast<const CRvArc*>(child)->m_points;
-      if (pts.empty()) continue;
-      if (prev != nullptr) add(prev->anchor, pts.front().from);
-      prev = nullptr;
-    }
-  }
-  if (!(total == total)) longest = total;  // not a number: treat as too long
-  return total;
-}
-
 }  // namespace
-
-RVRECT DirectPathBounds(const CRvPath& path) {
-  RVRECT box{-32768.0, 32767.0, -32768.0, 32767.0};
-  auto curve = [&](const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
-    if (IsStraight(a, b)) {
-      MergePoint(box, a.anchor);
-      MergePoint(box, b.anchor);
-    } else if (PieceLength(a.anchor, b.anchor) <= kLongestFlattenedPiece) {
-      MergeCurve(box, a, b);
-    } else {
-      for (const RVPOINT& p : {a.anchor, a.out, b.in, b.anchor}) MergePoint(box, p);
-    }
-  };
-  int16_t prevType = kArtAbstract;
-  RVBEZIERPOINT prevBezier{};
-  RVARCPOINT prevArc{};
-  for (const CRvArt* child : path.m_children.items()) {
-    if (child->GetType() == kArtBezier) {
-      const auto& pts = static_cast<const CRvBezier*>(child)->m_points;
-      if (pts.empty()) continue;
-      if (prevType == kArtBezier) curve(prevBezier, pts.front());
-      if (prevType == kArtArc) MergeArcPiece(box, prevArc.from, pts.front().anchor, prevArc.centre, prevArc.direction);
-      for (std::size_t i = 1; i < pts.size(); ++i) curve(pts[i - 1], pts[i]);
-      prevType = kArtBezier;
-      prevBezier = pts.back();
-    } else if (child->GetType() == kArtArc) {
-      const auto& pts = static_cast<const CRvArc*>(child)->m_points;
-      if (pts.empty()) continue;
-      if (prevType == kArtBezier) {
-        RVBEZIERPOINT to{};
-        to.anchor = to.in = to.out = pts.front().from;
-        curve(prevBezier, to);
-      }
-      if (prevType == kArtArc) MergeArcPiece(box, prevArc.from, pts.front().from, prevArc.centre, prevArc.direction);
-      for (std::size_t i = 1; i < pts.size(); ++i) {
-        MergeArcPiece(box, pts[i - 1].from, pts[i].from, pts[i - 1].centre, pts[i - 1].direction);
-      }
-      if (pts.size() == 1) MergeArcPiece(box, pts[0].from, pts[0].to, pts[0].centre, pts[0].direction);
-      prevType = kArtArc;
-      prevArc = pts.back();
-    }
-  }
-  return box;
-}
 
 // ---------------------------------------------------------------------------
 // The drawing builder
@@ -204,20 +116,9 @@ void CRvPLTImportData::FinishPath(int16_t lastKind, const PlotPathValues& values
     }
     store.SetPathClosed(path, 1);
   }
-  store.SetBoundingBox(path, PathBounds(path));
-}
-
-RVRECT CRvPLTImportData::PathBounds(CRvArt* path) {
-  double longest = 0.0;
-  const double length = FlattenedLength(*static_cast<CRvPath*>(path), longest);
   RVRECT bounds{};
-  if (longest <= kLongestFlattenedPiece && m_flattened + length <= kFlattenBudget) {
-    m_flattened += length;
-    CRvDataAccess::Instance().GetPathBounds(path, bounds);
-  } else {
-    bounds = DirectPathBounds(*static_cast<CRvPath*>(path));
-  }
-  return bounds;
+  store.GetPathBounds(path, bounds);
+  store.SetBoundingBox(path, bounds);
 }
 
 // ---------------------------------------------------------------------------

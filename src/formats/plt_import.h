@@ -13,12 +13,6 @@ namespace rv {
 class CRvArt;
 class CRvPath;
 
-/// The extent of a path of Beziers and arcs by the same walk as the path's
-/// own bounds (CRvPath::GetBounds), with a straight piece taken by its two
-/// ends, which is what its chords give, and a bent piece of more than 65536
-/// units by its control points. Costs no flattening of lines.
-RVRECT DirectPathBounds(const CRvPath& path);
-
 /// Makes paths of the interpreter's moves in layer 0 of the active
 /// document: one path per pen-down stroke, a run of straight moves as one
 /// Bezier component (handles on the anchors), a run of arcs as one arc
@@ -40,14 +34,6 @@ class CRvPLTImportData : public CRvPlotBuilder {
   void OpenPath(int16_t componentType, const RVPOINT& start);
   void NewComponent(int16_t componentType);
   void AppendAnchor(const RVPOINT& point);
-  /// The path's extent as the path's bounds give it. Paths with straight
-  /// pieces of more than 65536 units, and all paths once an import has
-  /// flattened 2^22 units of lines for bounds, are measured directly by the
-  /// same rules (a straight piece by its ends), which gives the same box.
-  RVRECT PathBounds(CRvArt* path);
-
-  double m_flattened = 0.0;  // straight length flattened for bounds so far
-
   CRvArt* m_currentPath = nullptr;
   CRvArt* m_currentBezier = nullptr;
   CRvArt* m_currentArc = nullptr;

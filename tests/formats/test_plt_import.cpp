@@ -490,59 +490,32 @@ TEST(PltImport, FeatureExerciseCurves) {
   EXPECT_EQ(d.paths[10].closed, 1);
 }
 
-TEST(PltImport, DirectBoundsEqualThePathBounds) {
-  // Long lines are measured without flattening; on paths that the builder
-  // makes (straight Beziers, arcs, snapped ends) that must give the box the
-  // path's own bounds give. Random strokes of lines and arcs, scale 1.
+TEST(PltImport, StraightStrokesAreBoundedByTheirAnchors) {
+  // A stroke of straight moves lies on its anchors' segments, so its bounds
+  // are the extremes of the anchors, however long the moves are. The box
+  // starts from left 32767, right -32768, bottom 32767, top -32768, so a
+  // stroke far from the origin keeps those sides.
   std::mt19937 rng(11);
-  auto coord = [&] { return std::to_string(int(rng() % 2001) - 1000); };
-  for (int round = 0; round < 44; ++round) {
-    std::string text = "PA" + coord() + "," + coord() + ";PD;";
-    double scale = 1.0;
-    if (round >= 40) {
-      // Ends snapped onto the start: a line end, an arc end (scale 0.05,
-      // 2 units = 0.1 away).
-      const char* snapped[4] = {"PA0,0;PD;PA1000,500;PA-700,300;PA2,0;", "PA0,0;PD;AA500,0,359.9;",
-                                "PA0,0;PD;PA-300,0;AA0,0,-90;PA0,-1;",
-                                "PA0,0;PD;PA400,0;AA0,0,180;PA-400,-2;PA0,-1;"};
-      text = snapped[round - 40];
-      scale = 0.05;
-    } else {
-      const int moves = 1 + int(rng() % 8);
-      for (int k = 0; k < moves; ++k) {
-        switch (rng() % 4) {
-          case 0: text += "AA" + coord() + "," + coord() + "," + std::to_string(int(rng() % 720) - 360) + ";"; break;
-          case 1: text += "AT" + coord() + "," + coord() + "," + coord() + "," + coord() + ";"; break;
-          default: text += "PA" + coord() + "," + coord() + ";"; break;
-        }
-      }
-      if (rng() % 2) text += "PA" + coord() + "," + coord() + ";";
+  for (int round = 0; round < 20; ++round) {
+    const int range = round < 10 ? 2001 : 2000001;
+    auto coord = [&] { return int(rng() % unsigned(range)) - range / 2; };
+    int x = coord(), y = coord();
+    std::string text = "PA" + std::to_string(x) + "," + std::to_string(y) + ";PD;";
+    double left = std::min(32767, x), right = std::max(-32768, x);
+    double bottom = std::min(32767, y), top = std::max(-32768, y);
+    const int moves = 1 + int(rng() % 8);
+    for (int k = 0; k < moves; ++k) {
+      x = coord();
+      y = coord();
+      text += "PA" + std::to_string(x) + "," + std::to_string(y) + ";";
+      left = std::min<double>(left, x);
+      right = std::max<double>(right, x);
+      bottom = std::min<double>(bottom, y);
+      top = std::max<double>(top, y);
     }
-    rvtest::TempDir dir;
-    const std::string path = dir.file("r.plt");
-    ASSERT_TRUE(rvtest::WriteFile(path, text + "PU;PA0,0;"));
-    int16_t index = -1;
-    ASSERT_EQ(RvImPLTToRIF(path.c_str(), 0, &index, &scale), 0u) << text;
-    void* layer = nullptr;
-    RvGiGetLayer(&layer, 0);
-    void* art = nullptr;
-    for (RvGiGetArtFirstChild(layer, &art); art != nullptr; RvGiGetArtSibling(art, &art)) {
-      auto* p = static_cast<rv::CRvPath*>(art);
-      RVRECT own{};
-      ASSERT_EQ(p->GetBounds(own), 0u);
-      const RVRECT direct = rv::DirectPathBounds(*p);
-      EXPECT_EQ(direct.left, own.left) << text;
-      EXPECT_EQ(direct.right, own.right) << text;
-      EXPECT_EQ(direct.bottom, own.bottom) << text;
-      EXPECT_EQ(direct.top, own.top) << text;
-    }
-    if (round >= 40) {
-      int32_t closed = 0;
-      RvGiGetArtFirstChild(layer, &art);
-      RvGiGetPathClosed(art, &closed);
-      EXPECT_EQ(closed, 1) << text;
-    }
-    RvGiDeleteActiveDocument();
+    const Drawing d = ImportText(text + "PU;PA0,0;", 1.0);
+    ASSERT_EQ(d.code, 0u) << text;
+    ExpectRect(d.extent, left, right, bottom, top);
   }
   // A line of 2.5 km at the default scale: bounds by its ends, no failure.
   const Drawing d = ImportText("PD;PA99999999,-99999999;");
