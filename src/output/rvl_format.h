@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "frame/frame.h"
 #include "geometry/affine.h"
 #include "model/art.h"
 #include "output/number_format.h"
