@@ -213,25 +213,596 @@ RV_API double RvMiPointLength(const RVPOINT* p1, const RVPOINT* p2);
  * Curve operations
  * ====================================================================== */
 
+/* Curves of paths are given as two consecutive RVBEZIERPOINT records a, b:
+ * a.anchor, a.out, b.in, b.anchor. Positions are compared on a grid of 0.01:
+ * a coordinate's cell is the coordinate times 100 truncated toward zero.
+ *
+ * Results come as arrays of RVCURVEPOINT that the library allocates and the
+ * host releases with RvMiFreePoints (and nothing else). An empty result is a
+ * null array with count 0. On failure the outputs are null and 0 and nothing
+ * needs releasing.
+ *
+ * Codes of this section beyond the general table:
+ *   0x08000D01  a null pointer, a negative count, a count above the limit
+ *               of RvMiSplineToPoints, a scale of 0 or not finite, or a
+ *               coordinate that doesn't fit single precision in
+ *               RvMiCurvesToArc;
+ *   0x08000E01  a curve whose flattening would give more than 1048576 points
+ *               (coordinates far outside any drawing, or maxLength <= 0 on a
+ *               huge curve), a result of more than 33554432 records, or an
+ *               arc fit that makes no progress.
+ */
+
+/** The arc fields of a kind 1 RVCURVEPOINT. */
+typedef struct RVCURVEARC {
+  double startX, startY;
+  double endX, endY;
+  double midX, midY;       /* the point of the fitted Bezier piece at t = 0.5 */
+  double centreX, centreY;
+  int16_t direction;       /* -1 counter-clockwise (centre left of the travel), +1 clockwise */
+} RVCURVEARC;
+
+/** One result record of a curve conversion: `kind` and the fields of that
+ *  kind, in a union that starts at offset 8. Every record of an array has
+ *  the size of the largest variant (80 bytes); fields that the kind doesn't
+ *  use have no defined value.
+ *    kind 0  point:        point (x, y)
+ *    kind 1  arc:          arc (startX .. centreY, direction)
+ *    kind 2  Bezier point: bezier.anchor, bezier.in, bezier.out as in
+ *                          RVBEZIERPOINT, bezier.flags 0, so that the member
+ *                          can be copied into a path as it stands
+ *    kind 3  spline triple: spline[0], spline[1], spline[2] */
+typedef struct RVCURVEPOINT {
+  int16_t kind;
+  union {
+    RVPOINT point;
+    RVCURVEARC arc;
+    RVBEZIERPOINT bezier;
+    RVPOINT spline[3];
+  };
+} RVCURVEPOINT;
+
+/** Bezier points (kind 2) of an arc: pieces of at most 60 degrees, n + 1
+ *  records for n pieces, every coordinate rounded half away from zero to
+ *  0.001. The first record is `from`, the last `to`; their far handles sit on
+ *  their anchors. A sweep above 360 degrees counts as 360 (seven records); a
+ *  sweep of 0 (or not a number) gives two records, `from` and `to`, with the
+ *  handles on their anchors. An arc whose `from` is its centre gives anchors
+ *  on the centre and handles on the anchors. */
+RV_API uint32_t RvMiArcToCurves(const RVARCPOINT* arc, RVCURVEPOINT** result, int32_t* resultCount);
+
+/** Polyline (kind 0) of the curves between consecutive points: for each curve
+ *  its first anchor, then the end points of its chords, which are at most
+ *  maxLength long and keep handles within tolerance of the chord (mode 1; with
+ *  mode 0 curves are cut down to the 0.01 grid). A shared anchor thus appears
+ *  twice. Fewer than two points give an empty result. */
+RV_API uint32_t RvMiCurvesToPoints(const RVBEZIERPOINT* points, int32_t count, double maxLength,
+                                   double tolerance, RVCURVEPOINT** result, int32_t* resultCount,
+                                   int32_t mode);
+
+/** Fits circular arcs, in single precision on coordinates rounded to 0.001,
+ *  to the curve of the last two points (count is normally 2; fewer give an
+ *  empty result). Arcs are kind 1 records divided by scale; pieces that stay
+ *  straight are kind 0 records (start, polyline, end repeated), not divided. */
+RV_API uint32_t RvMiCurvesToArc(const RVBEZIERPOINT* points, int32_t count, double maxLength,
+                                double tolerance, RVCURVEPOINT** result, int32_t* resultCount,
+                                double scale);
+
+/** Spline triples (kind 3, divided by scale) along the polyline of the curve
+ *  points[0]-points[1], and a closing point (kind 0, not divided) where the
+ *  triples leave one over. A curve within 0.1 degree of its chord at both ends
+ *  gets all four handles put on their anchors, in the caller's array. Fewer
+ *  than two points give an empty result. */
+RV_API uint32_t RvMiCurvesToSpline(RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
+                                   RVCURVEPOINT** result, int32_t* resultCount, double scale);
+
+/** Points of the interpolating cubic spline through points[1] .. points[count]
+ *  (points[0] isn't read; count at most 199) into the caller's result, which
+ *  must hold 21 * (count - 1) points: up to 21 per chord, points[1] not
+ *  included. A repeated point makes the result the input points as they
+ *  stand. A count of 0 or 1 gives no points. */
+RV_API uint32_t RvMiSplineToPoints(const RVPOINT* points, int32_t count, RVPOINT* result,
+                                   int32_t* resultCount);
+
+/** De Casteljau split of the curve a-b at t (not clamped): middle gets in,
+ *  anchor and out; a.out and b.in become the handles of the two halves. */
+RV_API uint32_t RvMiDivideBezier(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double t, RVBEZIERPOINT* middle);
+
+/** Splits the curve a-b where its first part is `length` long, within 1.0
+ *  (a negative length counts as 0), and writes the parts back as
+ *  RvMiDivideBezier does. The search starts at t = 0.5 and steps t by half of
+ *  itself, so a length beyond the curve's end extends the curve. A curve of
+ *  no length (all four positions equal) is split at t = 0.5. Otherwise the
+ *  search ends after 10000 passes at most, or when t leaves the finite range,
+ *  and then gives the pass that came closest. Failures go to Exception(). */
+RV_API void RvMiDivideBezierByLength(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double length, RVBEZIERPOINT* middle);
+
+/** Length of the curve a-b: its polyline with maxLength 31000.0, tolerance
+ *  0.042, mode 1, summed. Failures go to Exception(). */
+RV_API void RvMiGetBezierLength(const RVBEZIERPOINT* a, const RVBEZIERPOINT* b, double* length);
+
+/** Signed angle at vertex from p1 to p3 (atan2 of cross and dot product, so
+ *  within [-pi, pi]); 0.0 when two of the points are equal or one is null. */
+RV_API double RvMiCalcAngleOfThreePoints(const RVPOINT* p1, const RVPOINT* vertex, const RVPOINT* p3);
+
+/** The angle that a path turns through at point, in [0, 2 pi); pi on a smooth
+ *  path. A handle within the 0.01 cell of its anchor is replaced by the point
+ *  of the neighbouring curve at t = 0.9 (in) or 0.1 (out). */
+RV_API double RvMiCalcAngleOfBezier(RVBEZIERPOINT point, RVBEZIERPOINT previous, RVBEZIERPOINT next);
+
+/** Angle of point on arc, seen from the centre and counted from `from` in the
+ *  arc's direction (the other way when reverse is non-zero): 0.0 for
+ *  direction 0 (or a null argument), 2 pi at `from` itself, pi opposite. */
+RV_API double RvMiGetCenterAngle(const RVARCPOINT* arc, const RVPOINT* point, int32_t reverse);
+
+/** Releases an array of the conversions above; null is accepted. Returns 0. */
+RV_API uint32_t RvMiFreePoints(RVCURVEPOINT* points);
+
 /* ======================================================================
  * Path judgments and start-point optimisation
  * ====================================================================== */
+
+/** One element of the array of RvMiJudgeInsideOutsidePath. The caller fills
+ *  art (a path art) and sets inside to 0; the call sets inside to 1 for a
+ *  path that lies at an odd depth inside the others. */
+typedef struct RVINSIDEPATH {
+  void* art;
+  int32_t inside;
+} RVINSIDEPATH;
+
+/* Path judgments are made on the coarse polyline of a path: its first
+ * component (a Bezier), walked from the start segment round, each segment
+ * from its point to the next (the last one closing to point 0 whether the
+ * path is marked closed or not) flattened with maxLength 2.0 and tolerance
+ * 2.0. Where a judgment applies the path's matrix, it maps the anchors only.
+ * A path that can't be read gives 0x06001001 (null path), 0x05000D01 (no
+ * component) or 0x05000E01 (a first component that isn't a Bezier). */
+
+/** Orientation of a Bezier component (not the path), without matrix: 1
+ *  clockwise, 2 counter-clockwise, 0 for no area or a component that can't
+ *  be read. closed has no effect. */
+RV_API int32_t RvMiJudgePathClockwise(void* path, int32_t closed);
+/** *inside := 1 when point lies inside the path (winding angle of its coarse
+ *  polyline above pi), else 0. A null point gives 0x05000D01. */
+RV_API uint32_t RvMiJudgeInsidePoint(void* path, const RVPOINT* point, int32_t* inside);
+/** *inside := 1 when every point of the coarse polyline of path (but the last
+ *  of each segment) lies inside outer, else 0; 0 for a path without points. */
+RV_API uint32_t RvMiJudgeInsidePath(void* path, void* outer, int32_t* inside);
+/** Sorts the elements of paths by absolute area, largest first (equal
+ *  areas keep their order), then flips `inside` of every path that lies
+ *  inside an earlier one with the same flag, so that the flag is the parity
+ *  of the nesting depth; invert non-zero flips all flags at the end. The
+ *  caller sets every inside to 0 first, and ends the array with an element
+ *  whose art is null (the terminator isn't moved; a null array is an empty
+ *  one). Each path is read once per call; pairs far apart cost a box
+ *  comparison. */
+RV_API uint32_t RvMiJudgeInsideOutsidePath(RVINSIDEPATH* paths, int32_t invert);
+/** Whether a corner that turns by Angle degrees (LimitAngle the limit) is cut
+ *  from both sides: when bInside differs from bClockwise, Angle > LimitAngle;
+ *  when they are equal, -LimitAngle > Angle. Returns 1 or 0. */
+RV_API int32_t RvMiIsBothSidesCutLine(double Angle, double LimitAngle, int32_t bInside, int32_t bClockwise);
+/** Moves the start of a closed path to its best corner: the first straight
+ *  side (within 1 degree) that leaves a corner (a turn of more than 10
+ *  degrees), a longer straight one after it, or while there is none the
+ *  longest chord leaving a corner; the earlier index wins a tie. The points
+ *  are judged through matrix (null: identity). For type 5 the corner where
+ *  that side ends comes first, the points are only rotated and
+ *  *startSegment gets its old index; for any other type the corner where the
+ *  side begins comes first, the closed shape is kept (RvGiSortBezierPoint)
+ *  and *startSegment is 0. The component's start segment becomes 0. An open
+ *  path is left alone, *startSegment isn't written and the result is 0. A
+ *  failure to read the closed flag goes to Exception() first. */
+RV_API uint32_t RvMiOptimizeStartSegment(void* path, const RVRIFMATRIX* matrix, int16_t type,
+                                         int16_t* startSegment);
+/** Inserts a point into the Bezier component path between index and
+ *  index + 1, length along the curve a-b (RvMiDivideBezierByLength), where a
+ *  and b are the points at index and index + 1 given in the space that
+ *  matrix maps the component into; the two points are replaced by the split
+ *  halves mapped back. A matrix without inverse (0x08001901) changes nothing.
+ *  Failures go to Exception(). */
+RV_API void RvMiCreateJointSegment(void* path, int32_t index, const RVBEZIERPOINT* a, const RVBEZIERPOINT* b,
+                                   const RVRIFMATRIX* matrix, double length);
 
 /* ======================================================================
  * Documents
  * ====================================================================== */
 
+/* The library keeps any number of documents and works on one of them, the
+ * active document. Documents are addressed by a 16-bit index that stays
+ * valid until the document is deleted; a deleted document leaves an empty
+ * slot and its index is never reused (until RvGiDeleteAllDocuments), so at
+ * most 32767 documents can be made in that time.
+ *
+ * Every operation on the active document (documents, layers, arts, bound
+ * boxes) fails with 0x09001D01 while no document is active; only
+ * RvGiGetLayerCount answers 0 then. */
+
+/** Makes a new in-memory document (kind 0; any other kind 0x02001C01, as is
+ *  a full store), makes it active and gives its index. */
+RV_API uint32_t RvGiCreateDocument(int16_t kind, int16_t* index);
+/** Destroys the active document with all its layers and arts. The next lower
+ *  live document becomes active, or none. No active document: does nothing. */
+RV_API uint32_t RvGiDeleteActiveDocument(void);
+/** Forgets all documents without destroying them (their arts stay readable
+ *  until the process ends, when the library frees them); nothing is active
+ *  and new indexes start again at 0. */
+RV_API uint32_t RvGiDeleteAllDocuments(void);
+/** Makes the document at index active; a negative index, one past the store
+ *  or a deleted slot gives 0x09001D01 and changes nothing. */
+RV_API uint32_t RvGiSetActiveDocument(int16_t index);
+/** The index of the active document, -1 when none is active. */
+RV_API uint32_t RvGiGetActiveDocumentIndex(int16_t* index);
+/** The active document's bound box (all zero until set). */
+RV_API uint32_t RvGiGetDocBoundBox(RVRECT* rect);
+/** Sets the active document's bound box, the drawing's page. */
+RV_API uint32_t RvGiSetDocBoundingBox(const RVRECT* rect);
+
 /* ======================================================================
  * Arts
  * ====================================================================== */
+
+/* An art handle is the address of an art. Types: 0 layer, 1 group, 2 Bezier,
+ * 3 compound (holds paths only), 4 path (holds Beziers, arcs and splines
+ * only), 5 arc, 6 spline.
+ *
+ * Positions of a new art (RvGiCreateArt, RvGiCopyArt, RvGiCopyPath):
+ *   0 first in the current layer, 3 last in it (reference must be null);
+ *   1 in front of reference, 2 behind it (reference needed, and a parent that
+ *     holds it: 0x03001001 otherwise);
+ *   4 first child of reference, 5 last child of it (reference needed).
+ * A missing or unexpected reference gives 0x03000D01. Any other position
+ * leaves the art unlinked, without parent, and succeeds. A container that
+ * can't hold the new art's type (a group in a path, a Bezier in a compound)
+ * leaves it out silently; the art still names that container as parent
+ * (until the container is destroyed: then it has none).
+ * After a failure the out handle is null and nothing was made.
+ *
+ * Ownership: arts belong to the library. Deleting an art (RvGiDeleteArt)
+ * only unlinks it; unlinked arts stay readable until the process ends.
+ * Deleting a layer or a document destroys its arts: handles into it become
+ * invalid. A null art handle gives 0x06001001 here (0x06000D01 for
+ * RvGiGetSelect, RvGiSetSelect); a null record to read gives the same. */
+
+/** Makes an empty art of type 1 to 6 (else 0x06000D01) and links it by
+ *  position. No layer in the document: 0x03000601. */
+RV_API uint32_t RvGiCreateArt(int16_t type, int16_t position, void* reference, void** art);
+/** Copies source, whose type must be type (1 to 4, else 0x06000D01), and links
+ *  the copy like RvGiCreateArt. A path copy has the colours and flags but no
+ *  children, tags or attribute word. */
+RV_API uint32_t RvGiCopyArt(int16_t type, int16_t position, void* reference, void* source, void** art);
+/** Unlinks *art from its parent without destroying it; it keeps its children
+ *  and has no parent afterwards. No parent: 0x06001001. */
+RV_API uint32_t RvGiDeleteArt(void** art);
+/** Moves the paths of compound (type 3) into group (type 1), each to the
+ *  front, so they end up in reverse order; the group takes the compound's
+ *  bounds and is deselected. The compound leaves its parent and then only
+ *  lists the paths (which the group owns) and takes no new children. Wrong
+ *  types, or a compound converted before: 0x05000E01. */
+RV_API uint32_t RvGiConvertCompoundToGroup(void* group, void* compound);
+/** The first child, null if there is none. */
+RV_API uint32_t RvGiGetArtFirstChild(void* art, void** child);
+/** The parent, null for a layer and an unlinked art. */
+RV_API uint32_t RvGiGetArtParent(void* art, void** parent);
+/** The next art of the parent; null at the end or without a parent. */
+RV_API uint32_t RvGiGetArtSibling(void* art, void** sibling);
+/** The previous art of the parent; null at the start or without a parent. */
+RV_API uint32_t RvGiGetArtPreSibling(void* art, void** sibling);
+/** The art's type number. */
+RV_API uint32_t RvGiGetArtType(void* art, int16_t* type);
+/** Copies the art's matrix out (identity on creation). */
+RV_API uint32_t RvGiGetArtMatrix(void* art, RVRIFMATRIX* matrix);
+/** Sets the art's matrix. */
+RV_API uint32_t RvGiSetArtMatrix(void* art, const RVRIFMATRIX* matrix);
+/** Stores the art's bounds as given (they aren't derived from the children). */
+RV_API uint32_t RvGiSetBoundingBox(void* art, const RVRECT* rect);
+/** The stored bounds with each corner (left, top) and (right, bottom) mapped
+ *  through the art's matrix; a rotating matrix gives an unnormalised box. */
+RV_API uint32_t RvGiGetArtBounds(void* art, RVRECT* rect);
+/** Creates or overwrites the tag key with value (both copied). */
+RV_API uint32_t RvGiSetArtTag(void* art, const char* key, const char* value);
+/** Copies the value of tag key into value; no such tag: 0x06001A01. */
+RV_API uint32_t RvGiGetArtTag(void* art, const char* key, char* value);
+/** A colour of a layer (use ignored, always found) or a path (use 1 fill,
+ *  2 stroke, else 0x05000901): *found 1 with kind and c filled, or 0 with
+ *  *color untouched. Other arts: 0x06000901. */
+RV_API uint32_t RvGiGetPathColor(int16_t use, void* art, RVCOLOR* color, int32_t* found);
+/** The colour's name; "None" for a path without that colour. Layer without
+ *  colour: 0x03000901; other arts: 0x06000901. */
+RV_API uint32_t RvGiGetPathColorName(int16_t use, void* art, char* name);
+/** Sets a colour of a layer or a path with its name. Kinds 0 and 1 take use
+ *  1 or 2, kinds 2 and 3 only use 1 (else 0x05000A01). Other arts: 0x06000A01. */
+RV_API uint32_t RvGiSetPathColor(int16_t use, void* art, const RVCOLOR* color, const char* name);
+/** Renames a colour; a path without that colour is left alone. Use other
+ *  than 1 or 2 on a path, or another art: 0x06000A01. */
+RV_API uint32_t RvGiSetPathColorName(int16_t use, void* art, const char* name);
 
 /* ======================================================================
  * Layers and paths
  * ====================================================================== */
 
+/* Layer operations give 0x03001001 for a null layer and 0x03000E01 for an art
+ * that isn't a layer. Path operations give 0x05000D01 for a null art and
+ * 0x05000E01 for an art of the wrong type. Point indexes are checked: an
+ * index outside 0 to count - 1 gives 0x05000E01 and reads or changes
+ * nothing. */
+
+/** Makes a layer named "Layer<n>" (n = layer count after the insert) in black
+ *  ("R=0,G=0,B=0") and links it: where 0 front, 1 end, 2 behind and 3 in
+ *  front of reference, which must then be a layer of the active document
+ *  (0x03000D01). The new layer becomes the current layer. Any other where
+ *  leaves it unlinked. A non-null reference that isn't a layer: 0x03000D01. */
+RV_API uint32_t RvGiCreateLayer(int16_t where, void* reference, void** layer);
+/** Takes the layer out of the active document and destroys it with all its
+ *  arts. The current layer index stays as it was (an index left past the
+ *  layers gives 0x03000601 to positions 0 and 3). A layer that isn't in the
+ *  active document: 0x03000D01. */
+RV_API uint32_t RvGiDeleteLayer(void* layer);
+/** The layer at index; outside 0 to count - 1: 0x03000601. */
+RV_API uint32_t RvGiGetLayer(void** layer, int16_t index);
+/** The number of layers of the active document, 0 when none is active. */
+RV_API uint32_t RvGiGetLayerCount(int16_t* count);
+/** The first layer with exactly this name, null if there is none. */
+RV_API uint32_t RvGiGetLayerFromName(void** layer, const char* name);
+/** Copies the layer's name into name. */
+RV_API uint32_t RvGiGetLayerName(void* layer, char* name);
+/** Renames the layer; a null layer gives 0x06001001. */
+RV_API uint32_t RvGiSetLayerName(void* layer, const char* name);
+/** The layer's colour, *found always 1. Not a layer: 0x03000701. */
+RV_API uint32_t RvGiGetLayerColor(void* layer, RVCOLOR* color, int32_t* found);
+/** The name of the layer's colour. Not a layer: 0x03000701. */
+RV_API uint32_t RvGiGetLayerColorName(void* layer, char* name);
+/** Sets the layer's colour and its name. Not a layer: 0x03000701. */
+RV_API uint32_t RvGiSetLayerColor(void* layer, const RVCOLOR* color, const char* name);
+
+/** Copies one path or path component (types 2, 4, 5, 6; else 0x05000E01) and
+ *  links it by position as RvGiCreateArt does; no layer: 0x05000601. A path's
+ *  components aren't copied with it: copy each with position 5. */
+RV_API uint32_t RvGiCopyPath(void* source, int16_t position, void* reference, void** art);
+/** Points of a component, or their sum over a path's components. Other
+ *  arts: 0x06000E01. */
+RV_API uint32_t RvGiGetPathSegmentCount(void* art, int32_t* count);
+/** Copies point index of a component into point: an RVBEZIERPOINT, RVARCPOINT
+ *  or RVPOINT by the component's type. A path: 0x05000E01. */
+RV_API uint32_t RvGiGetPathSegment(void* art, int32_t index, void* point);
+/** Copies point index of a Bezier. */
+RV_API uint32_t RvGiGetBezierPoint(void* art, int32_t index, RVBEZIERPOINT* point);
+/** Copies point index of an arc. */
+RV_API uint32_t RvGiGetArcPoint(void* art, int32_t index, RVARCPOINT* point);
+/** Library extension for C hosts, the same as the first form of
+ *  RvGiSetBezierPoint: inserts before index (0 or less: at the front, the
+ *  count or more: at the end). */
+RV_API uint32_t RvGiInsertBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point);
+/** Library extension for C hosts, the same as the second form of
+ *  RvGiSetBezierPoint: appends the point. */
+RV_API uint32_t RvGiAddBezierPoint(void* art, const RVBEZIERPOINT* point);
+/** Replaces point index of a Bezier. */
+RV_API uint32_t RvGiReplaceBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point);
+/** Reverses a Bezier: point order, in and out of each point, and the stored
+ *  start handles. Fewer than 2 points: nothing. Twice gives it back. */
+RV_API uint32_t RvGiReverseBezierPoint(void* art);
+/** Makes point index the first. With closed non-zero the curve keeps the
+ *  closed shape: the first record has in = anchor, the last repeats the first
+ *  anchor with out = anchor, and the start's in handle is kept as the start-in
+ *  point. Index 0 changes nothing. */
+RV_API uint32_t RvGiSortBezierPoint(void* art, int32_t index, int32_t closed);
+/** Sets the in handle of the start of a closed Bezier. */
+RV_API uint32_t RvGiSetBezierStartInPoint(void* art, const RVPOINT* point);
+
+/** Whether a path runs clockwise, as the host or importer set it. */
+RV_API uint32_t RvGiGetPathClockWise(void* art, int32_t* clockwise);
+/** Sets it on a path; other arts are left alone without error. */
+RV_API uint32_t RvGiSetPathClockWise(void* art, int32_t clockwise);
+/** Whether a path is closed. */
+RV_API uint32_t RvGiGetPathClosed(void* art, int32_t* closed);
+/** Sets it on a path; other arts are left alone without error. */
+RV_API uint32_t RvGiSetPathClosed(void* art, int32_t closed);
+/** The selection flag of a group; other arts leave *selected as it was. */
+RV_API uint32_t RvGiGetSelect(void* art, int32_t* selected);
+/** Sets the selection flag of a group; other arts are left alone. */
+RV_API uint32_t RvGiSetSelect(void* art, int32_t selected);
+
+/* The attribute word of an art (any type): the low 16 bits are flags (2: the
+ * art counts for bounds by flag, 16: the art is left out of all output), the
+ * high 16 bits the start segment. Plot info: pattern id (-1), plot value and
+ * text, V-cut element (-1) and value (0). Both are made at the first write. */
+
+/** The low byte of the attribute word; 0 before any write. */
+RV_API uint32_t RvGiGetPathAttrFlag(void* art, uint8_t* flags);
+/** word := flags: this also clears the start segment. */
+RV_API uint32_t RvGiSetPathAttrFlag(void* art, uint8_t flags);
+/** word := word | value (the 16 bits of value). */
+RV_API uint32_t RvGiSetPathProp(void* art, int16_t value);
+/** The start segment (high half of the word); 0 before any write. */
+RV_API uint32_t RvGiGetPathStartSegment(void* art, int16_t* segment);
+/** Replaces the start segment and keeps the flags. */
+RV_API uint32_t RvGiSetPathStartSegment(void* art, int16_t segment);
+/** The pattern id; -1 without plot info. */
+RV_API uint32_t RvGiGetPathPatternID(void* art, int32_t* id);
+/** Sets the pattern id. */
+RV_API uint32_t RvGiSetPathPatternID(void* art, int32_t id);
+/** The plot value and text (the art's key into the condition table); no
+ *  plot info: 0x06001001. */
+RV_API uint32_t RvGiGetPathPlotInfo(void* art, int32_t* value, char* text);
+/** Sets the plot value and text. */
+RV_API uint32_t RvGiSetPathPlotInfo(void* art, int32_t value, const char* text);
+/** The V-cut element and value; no plot info: 0x06001001. */
+RV_API uint32_t RvGiGetPathElementAtVCut(void* art, int16_t* element, int16_t* value);
+/** Sets the V-cut element and value. */
+RV_API uint32_t RvGiSetPathElementAtVCut(void* art, int16_t element, int16_t value);
+
+/** Called by RvGiTracePath for each path; a non-zero result stops the walk
+ *  and becomes its result. */
+typedef uint32_t (*RvGiTracePathFunc)(void* context, void* path);
+
+/** Calls callback(context, path) for each path below art whose attribute
+ *  flags share a bit with mask, depth first, first child first. Paths aren't
+ *  entered and art itself is never passed. The callback may unlink arts
+ *  (RvGiDeleteArt); it must not delete layers or documents. */
+RV_API uint32_t RvGiTracePath(void* art, uint8_t mask, void* context, RvGiTracePathFunc callback);
+
+#ifdef __cplusplus
+} /* extern "C" */
+
+/** Inserts a point into a Bezier before index (0 or less: at the front, the
+ *  count or more: at the end). A C++ overload; C hosts use RvGiInsertBezierPoint. */
+RV_API uint32_t RvGiSetBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point);
+/** Appends a point to a Bezier. A C++ overload; C hosts use RvGiAddBezierPoint. */
+RV_API uint32_t RvGiSetBezierPoint(void* art, const RVBEZIERPOINT* point);
+
+extern "C" {
+#endif
+
 /* ======================================================================
  * RefMap tables
  * ====================================================================== */
+
+/* A RefMap table files art handles under text keys. It keeps the keys in
+ * bytewise order, for each key the arts filed under it (newest first), an
+ * info byte per key (bit value 2: the entry is output) and a cut order of the
+ * keys, which starts as the order of insertion and which every trace walks.
+ * Tables hold plain art pointers: destroy the tables before the documents.
+ *
+ * Tables are addressed by a 16-bit index `map`. A map that names no table
+ * throws std::out_of_range ("invalid vector<T> subscript") through the call,
+ * in every function that takes one, RvGiDeleteSpecificRefMapTable too; the
+ * library stays usable afterwards. A null text argument counts as the empty
+ * text; a null output pointer is not written.
+ *
+ * Trace callbacks get the context of the call and one art. A non-zero result
+ * ends the trace, and the trace returns it. A callback may file arts and
+ * change the tree, but must not unlink the art that it was given.
+ *
+ * Drilling (drill non-zero): a group or compound filed under a key is not
+ * passed itself; instead every path below it is, depth first, without
+ * entering paths. Other arts are passed as they are. A null art filed under
+ * a key is never passed to a callback. */
+
+/** Trace callback: a non-zero result ends the trace and becomes its result. */
+typedef uint32_t (*RvRefMapTraceFunc)(void* context, void* art);
+/** Trace callback that also gets the entry's user info. */
+typedef uint32_t (*RvRefMapTraceInfoFunc)(void* context, void* art, void* userInfo);
+
+/** Appends a new empty table; *map gets its index. Beyond 32767 tables the
+ *  call throws std::length_error. */
+RV_API uint32_t RvGiCreateRefMapTable(int16_t* map);
+/** Destroys all tables (not their arts) and empties the list. */
+RV_API uint32_t RvGiDeleteRefMapTable(void);
+/** Destroys table map; later tables move down by one. The remembered indexes
+ *  are not changed. */
+RV_API uint32_t RvGiDeleteSpecificRefMapTable(int16_t map);
+/** Files art under key. A new key takes info and goes to the end of the
+ *  insertion and cut orders; a known key gets the art in front of its arts
+ *  and keeps its info. */
+RV_API uint32_t RvGiAddRefMapData(int16_t map, const char* key, uint8_t info, void* art);
+/** Sets the info byte of key; a missing key is ignored. */
+RV_API uint32_t RvGiSetRefMapInfo(int16_t map, const char* key, uint8_t info);
+/** *info := the info byte of key, 0 for a missing key (code 0). */
+RV_API uint32_t RvGiFindRefMapInfo(int16_t map, const char* key, uint8_t* info);
+/** Sets the user info type of key. With type 1, data is a text of which the
+ *  entry keeps its own copy (a null text gives a null user info); earlier
+ *  copies stay valid as long as the table lives. With another type only the
+ *  type is stored. A missing key is ignored. */
+RV_API uint32_t RvGiSetRefMapUserInfo(int16_t map, const char* key, int16_t type, void* data);
+/** RvGiSetRefMapUserInfo for every key of the table, in key order. */
+RV_API uint32_t RvGiSetAllRefMapUserInfo(int16_t map, int16_t type, void* data);
+/** *value := the user info pointer of key, 0 for a missing key. */
+RV_API uint32_t RvGiGetRefMapUserInfo(int16_t map, const char* key, uint64_t* value);
+/** The number of keys of table map. */
+RV_API int32_t RvGiGetRefMapArtCount(int16_t map);
+/** Copies the key of item order of the cut order into key and, if the entry
+ *  has a user info text, that text into userInfo (else userInfo is left as
+ *  it is). An order outside the cut order throws std::out_of_range. */
+RV_API void RvGiGetInfoAtCutOrder(int16_t map, int16_t order, char* key, char* userInfo);
+/** Moves key in the cut order so that it becomes item number position (0 or
+ *  less: first; at or past the end: last). Returns 0, or -1 for a missing
+ *  key. */
+RV_API int32_t RvGiChangeCutOrder(int16_t map, const char* key, int32_t position);
+/** Orders the tile table (RvGiSetRefMapTileIndex) by tile number: both of
+ *  its orders become the keys prefix1, prefix2, ... ("%s%d") that exist, in
+ *  ascending number, up to count of them; other keys drop out of both
+ *  orders. When fewer than count such keys exist, all of them are taken
+ *  (the search ends after the last number that can be formed; keys longer
+ *  than 127 characters never match). Returns 0, or -1 when no tile table is
+ *  set. */
+RV_API int32_t RvGiRegistTileCutOrder(const char* prefix, int32_t count);
+/** Makes the cut order of every table its insertion order again. */
+RV_API void RvGiInitializeCutOrder(void);
+/** Reverses the cut order of table map and toggles its reversed flag. */
+RV_API void RvGiReverseRefMapCurOrder(int16_t map);
+
+/** For each entry of the cut order whose info shares a bit with mask (every
+ *  entry for mask 0): each of its arts in order, drilled if drill is set. */
+RV_API uint32_t RvGiRefMapTableTrace(int16_t map, uint8_t mask, void* context, RvRefMapTraceFunc callback,
+                                     int32_t drill);
+/** RvGiRefMapTableTrace with the entry's user info as third argument. */
+RV_API uint32_t RvGiRefMapTableTraceWithInfo(int16_t map, uint8_t mask, void* context,
+                                             RvRefMapTraceInfoFunc callback, int32_t drill);
+/** RvGiRefMapTableTrace that passes the arts as they are, never drilling. */
+RV_API uint32_t RvGiRefMapTablePathTrace(int16_t map, uint8_t mask, void* context, RvRefMapTraceFunc callback);
+/** The arts of one key. A missing key returns 0 without a call; an info
+ *  that shares no bit with mask (mask 0 always) gives 0x05001001. */
+RV_API uint32_t RvGiRefMapTableMatchTrace(int16_t map, const char* key, uint8_t mask, void* context,
+                                          RvRefMapTraceFunc callback, int32_t drill);
+/** One step of the cut order a call. Start with *state 0; each call visits
+ *  one entry and sets *state to 1 while entries follow, 2 after the last.
+ *  An entry whose info shares no bit with mask (any entry for mask 0 is
+ *  taken) is stepped over with code 0x06001001. A failing callback leaves
+ *  the walk on its entry. One walk position serves all tables. On a table
+ *  without entries, and on a call after *state came back 2, the call does
+ *  nothing and returns 0. A null state counts as 0. */
+RV_API uint32_t RvGiRefMapTableOrderTrace(int16_t map, uint8_t mask, int16_t* state, void* context,
+                                          RvRefMapTraceFunc callback, int32_t drill);
+/** For each entry of the cut order, unmasked: one call with its newest art. */
+RV_API uint32_t RvGiRefMapTableUniqTrace(int16_t map, void* context, RvRefMapTraceFunc callback);
+
+/* The remembered table indexes. They are only stored: the output reads them
+ * to find its tables. All start at -1 (0xFFFF, no table), except the plot
+ * condition index, which starts at 0. The setters never fail. */
+
+/** The main table: the arts to output. */
+RV_API uint32_t RvGiSetRefMapIndex(int16_t map);
+/** The table keyed by layer. */
+RV_API uint32_t RvGiSetRefMapLayerIndex(int16_t map);
+/** The table keyed by colour. */
+RV_API uint32_t RvGiSetRefMapColorIndex(int16_t map);
+/** The table keyed by tile; -1 makes RvGiRegistTileCutOrder refuse. */
+RV_API uint32_t RvGiSetRefMapTileIndex(int16_t map);
+/** The first table of the router offset output. */
+RV_API uint32_t RvGiSetRefMapRouterOffsetSIndex(int16_t map);
+/** The last table of the router offset output, inclusive. */
+RV_API uint32_t RvGiSetRefMapRouterOffsetEIndex(int16_t map);
+/** The table of the router plot. */
+RV_API uint32_t RvGiSetRefMapRouterPlotIndex(int16_t map);
+/** The table of the plot conditions. */
+RV_API uint32_t RvGiSetRefMapPlotConditionIndex(int16_t map);
+/** The first table of the hatching output. */
+RV_API uint32_t RvGiSetRefMapHatchingSIndex(int16_t map);
+/** The last table of the hatching output, inclusive. */
+RV_API uint32_t RvGiSetRefMapHatchingEIndex(int16_t map);
+/** The table of the hatching plot. */
+RV_API uint32_t RvGiSetRefMapHatchingPlotIndex(int16_t map);
+/** The hatching plot table index. */
+RV_API int16_t RvGiGetRefMapHatchingPlotIndex(void);
+/** The plot condition table index. */
+RV_API int16_t RvGiGetRefMapPlotConditionIndex(void);
+/** The router plot table index. */
+RV_API int16_t RvGiGetRefMapRouterPlotIndex(void);
+
+/** Union of the bounds (RvGiGetArtBounds) of the arts of the main table
+ *  (RvGiSetRefMapIndex) whose entries share a bit with mask, not drilled:
+ *  with mode non-zero the arts with attribute flag 2, with mode 0 those with
+ *  flag 2 and without flag 16. All zeros when no art counts. 0x03000601 when
+ *  the active document has no layer (or no document is active). */
+RV_API uint32_t RvGiGetArtsBoundsByFlag(RVRECT* rect, uint8_t mask, int32_t mode);
+/** Union of the bounds of the arts with attribute flag 2 filed under key in
+ *  the main table, paths inside groups and compounds included (a match trace
+ *  with mask 2: an entry without info bit 2 gives 0x05001001). All zeros and
+ *  0 for a key that isn't there. 0x03000601 as above. */
+RV_API uint32_t RvGiGetArtsBoundsByKey(RVRECT* rect, const char* key);
+/** 0 when every path of table map (entries with info bit 2, drilled) is a
+ *  register mark: open, in a group, without fill, with 3 points; else
+ *  0xFFFFFFFF at the first path that isn't, or the code of a failed read. */
+RV_API uint32_t RvGiCheckTombo(int16_t map);
 
 /* ======================================================================
  * File import
@@ -319,6 +890,220 @@ RV_API extern const char* const g_RvlCommands[101][7];
 /* ======================================================================
  * Cut conditions
  * ====================================================================== */
+
+/* One condition table exists per process. It serves one machine family at a
+ * time, set by RvLoadCutCondition and RvLoadFromCSV (0 until then):
+ *   0 TQ (and every number not listed), 1 WD, 2 WD3, 3 WD3K (milling),
+ *   4 BNS, 5 TQ2, 6 TQNV, 7 WDP, 8 YBNS, 9 TQNV2, 10 WD22, 11 SOVE (laser),
+ *   12 SOPI (laser), 13 HWD (coating), 14 TQHB, 15 WDZK (milling), 16 WDZ,
+ *   17 the favourite file.
+ * A media (a named material) has a list of conditions, one per pass.
+ *
+ * Text: every string in these records and arguments is zero-ended text in
+ * the encoding of the user's default locale (LC_CTYPE from the environment).
+ * Condition files are UTF-8; the library converts between the two while it
+ * reads or writes, and cuts a text that doesn't fit its field at a character
+ * boundary. A character that the locale can't represent becomes '?'. Numbers
+ * in files are always written and read with a '.' as decimal mark. The
+ * library changes no locale setting of the process: it works under a
+ * thread-local locale that it drops before the call returns. */
+
+/** Sizes of the text fields of CondRecord, terminator included. */
+#define RV_COND_TOOL_SIZE 32
+#define RV_COND_TEXT_SIZE 64
+/** Limit of a media name in a condition file, terminator included. */
+#define RV_COND_NAME_SIZE 256
+/** Number of slots of each favourite list. */
+#define RV_FAVORITE_COUNT 250
+
+/** How the cutting families split long lines into parts. Available is -1
+ *  where the family (machine type 0) has no such thing, else 0 or 1. */
+typedef struct DivideCutRecord {
+  int32_t Available;
+  int32_t divideKind;
+  double minLength;
+  double limitAngle; /* degrees */
+  int32_t divideSide;
+  double jointLength;
+} DivideCutRecord;
+
+/** One cut condition. Each family uses its own fields; the others are
+ *  carried along but have no meaning (the library fills them with zero when
+ *  it builds a record itself). Records compare field by field, text up to its
+ *  terminator, doubles exactly; a record that differs in any field, also one
+ *  of another family, is a different record. Text longer than its array is
+ *  cut to fit (terminator in the last byte). */
+typedef struct CondRecord {
+  char Tool[RV_COND_TOOL_SIZE]; /* all but laser and coating; 31 bytes in files */
+  uint32_t hasSpeed;            /* 0 or 1: Speed / SpeedDecimal is set */
+  uint32_t hasPress;            /* 0 or 1: Press is set */
+  uint32_t hasOffset;           /* 0 or 1: Offset is set */
+  int16_t Speed;                /* whole-number speed */
+  int16_t Press;
+  double Offset;
+  double Thickness;    /* WD3K, WDZ, WDZK */
+  double SpeedDecimal; /* decimal speed: WDP, WD22, WDZ and milling */
+  double LaserSpeed;
+  double LaserPower;
+  int16_t LaserFreq;                 /* SOVE */
+  char LaserDpi[RV_COND_TEXT_SIZE];  /* SOPI */
+  int32_t CutDirection;              /* milling */
+  char InkName[RV_COND_TEXT_SIZE];   /* coating from here ... */
+  char MediaType[RV_COND_TEXT_SIZE];
+  double MediaThickness;
+  char NozzleType[RV_COND_TEXT_SIZE];
+  double CoatingThickness;
+  double Gap;
+  char NozzleRotation[RV_COND_TEXT_SIZE]; /* a whole number as text */
+  double FlowRate;
+  double AtomizationPress;
+  double CoatingSpeed;
+  double Pitch;
+  double SpeedAdjust;
+  double PitchAdjust;
+  int32_t CoatingFillDirection;
+  double MisalignmentCorrect;
+  double CoatingJoinLimit;
+  double CoatingFillOffset; /* ... to here */
+  int16_t WDZUnit;          /* WDZ, WDZK: number of the tool unit */
+  double ZPosition;         /* WDZ, WDZK */
+  int32_t VCutType;         /* WDZ */
+  double VCutOffset;        /* WDZ */
+  DivideCutRecord DivideCut;
+} CondRecord;
+
+/** The extension of a condition for every family but milling. */
+typedef struct ThetaExtension {
+  int32_t Available;
+  double values[6];
+} ThetaExtension;
+
+/** The extension of a condition for the milling families (3 and 15). */
+typedef struct MillingExtension {
+  uint32_t hasRpm;          /* 0 or 1 */
+  uint32_t hasCuttingDepth; /* 0 or 1 */
+  uint32_t hasZSpeed;       /* 0 or 1 */
+  uint32_t hasMilling;      /* 0 or 1 */
+  int16_t Rpm;
+  double CuttingDepth;
+  int16_t ZSpeed;
+  double Milling;
+} MillingExtension;
+
+/** A condition and its extension: a ThetaExtension or, with machine type 3
+ *  and 15, a MillingExtension. Pairs that the library hands out point into
+ *  its store of conditions: they stay valid until the process ends, also
+ *  after the media was deleted, and must not be written through. A pair that
+ *  the host hands in is copied; a null extension counts as one of zeros. */
+typedef struct CondPair {
+  const CondRecord* record;
+  const void* extension;
+} CondPair;
+
+/** One pass of a milling job as RvCLSetCutCondition takes it. */
+typedef struct CLCondition {
+  char Tool[RV_COND_TOOL_SIZE];
+  uint32_t hasSpeed;
+  double Thickness;
+  double SpeedDecimal;
+  int32_t CutDirection;
+  uint32_t hasRpm;
+  uint32_t hasCuttingDepth;
+  uint32_t hasZSpeed;
+  uint32_t hasMilling;
+  int16_t Rpm;
+  double CuttingDepth;
+  int16_t ZSpeed;
+  double Milling;
+  int16_t WDZUnit;
+} CLCondition;
+
+/** One entry of a favourite list: a tool or media bound to a file and stroke
+ *  title (colour lists) or to a layer title (layer lists). */
+typedef struct FavoriteEntry {
+  char title[101];       /* file title or layer title */
+  char strokeTitle[101]; /* stroke title; unused in the layer lists */
+  char value[65];        /* tool or media name */
+} FavoriteEntry;
+
+/** Called for each pass of each media in a condition trace. name is the
+ *  media name, valid for the length of the call; pair is a copy that the
+ *  library holds for the call. Return 0 to go on; any other value ends the
+ *  trace and becomes its result. The callback must not change the table. */
+typedef int32_t (*RvCutConditionTraceFunc)(void* ctx, const char* name, const CondPair* pair);
+/** Called for each media in a name trace; as RvCutConditionTraceFunc. */
+typedef int32_t (*RvMediaNameTraceFunc)(void* ctx, const char* name);
+
+/** Puts a condition into the list of media before position repeatIndex (0
+ *  first; the count appends), making the media at the end of the media order
+ *  if it doesn't exist. 0x06001001 for an index outside 0..count (a media made
+ *  by the call stays, empty), a null media or a null record. */
+RV_API uint32_t RvAddCutCondition(const char* media, int32_t repeatIndex, const CondPair* pair);
+/** Makes a new media at position of the media order with pair as its only
+ *  condition. 0x06001001 if the media exists or position is outside 0..count. */
+RV_API uint32_t RvInsertCutCondition(const char* media, int32_t position, const CondPair* pair);
+/** Replaces all conditions of media by count milling passes; the media goes
+ *  to the front of the media order. count 0 just removes the media. */
+RV_API uint32_t RvCLSetCutCondition(const char* media, const CLCondition* records, int32_t count);
+/** Removes condition index (0 first) of media; a media with one condition is
+ *  removed whatever index says. 0x06001001 for an unknown media or index. */
+RV_API uint32_t RvDeleteCutCondition(const char* media, int32_t index);
+/** Removes a media with all its conditions; an unknown media is no failure. */
+RV_API uint32_t RvDeleteCutConditionByMedia(const char* media);
+/** Removes all media. The machine type stays. */
+RV_API uint32_t RvDeleteAllCutCondition(void);
+/** For each media in order and each of its passes: callback(ctx, name, pair). */
+RV_API uint32_t RvCutConditionTrace(void* ctx, RvCutConditionTraceFunc callback);
+/** The same for one media; an unknown media makes no call and returns 0. */
+RV_API uint32_t RvCutConditionTraceByKey(const char* media, void* ctx, RvCutConditionTraceFunc callback);
+/** For each media in order: callback(ctx, name). */
+RV_API uint32_t RvGetMediaNameTrace(void* ctx, RvMediaNameTraceFunc callback);
+/** Copies the pair of pass repeat (1 first) of media. An unknown media returns
+ *  0 and leaves *pair as it was; repeat outside 1..count gives 0x06001001. */
+RV_API uint32_t RvGetCutConditionByKeyAtRepeat(const char* media, int32_t repeat, CondPair* pair);
+/** The number of conditions of media, 0 for an unknown media. No code. */
+RV_API int32_t RvGetRepeatCount(const char* media);
+/** Sorts the media order by name, bytewise. 0x06001001 on an empty table. */
+RV_API uint32_t RvSortCondition(void);
+/** Sets the machine type and fills the table, which must be empty (else
+ *  65535), from a condition file. XML codes: 13 the file can't be loaded (or
+ *  has more than one root element), 15 wrong root or a required element
+ *  missing or empty, 65535 no version. The media read before a failure stay.
+ *  A number that doesn't scan stays unset (-1). Element texts are cut at 255
+ *  characters. In a coating file of version "1.00" AtomizationPress is 0.1
+ *  whatever the file holds. With machine type 5 and a path that contains
+ *  "CurrentTQCondition.xml" a tool beginning with CT4, CT5, PIN or HLF is
+ *  replaced as a whole by CT6, CT7, CT4 or CT5 (also on import). */
+RV_API uint32_t RvLoadCutCondition(uint16_t machineType, const char* path);
+/** Adds the media of a condition file of the machine type in force. A name
+ *  that exists gets "-1" to "-128" behind it, the name cut so that it keeps
+ *  64 characters; a name of more than 64 characters is cut to 64. */
+RV_API uint32_t RvImportCutCondition(const char* path);
+/** Writes the table as a condition file of the machine type in force
+ *  (UTF-8, no white space between elements). 14 if it can't be written. */
+RV_API uint32_t RvSaveCutCondition(const char* path);
+/** Sets the machine type, fills the empty table (else 65535) from a CSV file
+ *  of lines "name,tool,speed,press,offset" and writes it as a condition file
+ *  at xmlPath. A run of commas counts as one; a line with fewer than five
+ *  fields and a last line without line end are skipped; a line longer than
+ *  1047 bytes is read in pieces; the name is cut to 255 bytes, the tool to
+ *  31. Speed is a whole number (the low 16 bits of a larger one); families
+ *  with decimal speed take it as their decimal speed too. Other elements of
+ *  the family have no source and are written as -1. 0x01001001 if the CSV
+ *  file can't be opened (the machine type is set all the same). */
+RV_API uint32_t RvLoadFromCSV(uint16_t machineType, const char* csvPath, const char* xmlPath);
+/** Reads the favourite file (machine type 17) into the four arrays of
+ *  RV_FAVORITE_COUNT slots, from slot 0; a list with more entries stops at
+ *  the limit. A file that can't be opened returns 0 and leaves the arrays
+ *  as they are. A null array skips its list. */
+RV_API uint32_t RvReadFavoriteFile(uint16_t machineType, const char* path, FavoriteEntry* colorTools,
+                                   FavoriteEntry* colorMedias, FavoriteEntry* layerTools,
+                                   FavoriteEntry* layerMedias);
+/** Writes the favourite file: of each array the first n slots, where n is the
+ *  number of slots (out of 250) with a non-empty title. */
+RV_API uint32_t RvWriteFavoriteFile(uint16_t machineType, const char* path, const FavoriteEntry* colorTools,
+                                    const FavoriteEntry* colorMedias, const FavoriteEntry* layerTools,
+                                    const FavoriteEntry* layerMedias);
 
 /* ======================================================================
  * Preference files

@@ -6,7 +6,9 @@
 #include <cstdlib>
 
 // The exported recovery stack.
-extern "C" RV_API ExceptionInfo* g_ExceptionContext = nullptr;
+extern "C" {
+RV_API ExceptionInfo* g_ExceptionContext = nullptr;
+}
 
 namespace rv {
 namespace {

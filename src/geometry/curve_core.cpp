@@ -3,6 +3,8 @@
 #include <cmath>
 #include <limits>
 
+#include "geometry/affine.h"
+
 namespace rv {
 
 int32_t GridCell(double v) {
@@ -13,8 +15,7 @@ int32_t GridCell(double v) {
 }
 
 double AngleOfThreePoints(const RVPOINT& p1, const RVPOINT& vertex, const RVPOINT& p3) {
-  auto same = [](const RVPOINT& p, const RVPOINT& q) { return p.x == q.x && p.y == q.y; };
-  if (same(p1, vertex) || same(vertex, p3) || same(p1, p3)) return 0.0;
+  if (SamePoint(p1, vertex) || SamePoint(vertex, p3) || SamePoint(p1, p3)) return 0.0;
   const double ux = p1.x - vertex.x, uy = p1.y - vertex.y;
   const double vx = p3.x - vertex.x, vy = p3.y - vertex.y;
   return std::atan2(ux * vy - uy * vx, ux * vx + uy * vy);
@@ -27,22 +28,32 @@ void DivideBezier(RVBEZIERPOINT& a, RVBEZIERPOINT& b, double t, RVBEZIERPOINT& m
     return RVPOINT{p.x * wp + q.x * wq + r.x * wr, p.y * wp + q.y * wq + r.y * wr};
   };
   middle.in = mix3(p0, s * s, p1, 2 * t * s, p2, t * t);
-  middle.anchor = RVPOINT{p0.x * s * s * s + p1.x * 3 * s * s * t + p2.x * 3 * s * t * t + p3.x * t * t * t,
-                          p0.y * s * s * s + p1.y * 3 * s * s * t + p2.y * 3 * s * t * t + p3.y * t * t * t};
+  middle.anchor = PointOnCurve(a, b, t);
   middle.out = mix3(p1, s * s, p2, 2 * t * s, p3, t * t);
   a.out = RVPOINT{p0.x * s + p1.x * t, p0.y * s + p1.y * t};
   b.in = RVPOINT{p2.x * s + p3.x * t, p2.y * s + p3.y * t};
 }
 
+RVPOINT PointOnCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double t) {
+  const double s = 1.0 - t;
+  const RVPOINT p0 = a.anchor, p1 = a.out, p2 = b.in, p3 = b.anchor;
+  return RVPOINT{p0.x * s * s * s + p1.x * 3 * s * s * t + p2.x * 3 * s * t * t + p3.x * t * t * t,
+                 p0.y * s * s * s + p1.y * 3 * s * s * t + p2.y * 3 * s * t * t + p3.y * t * t * t};
+}
+
 bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance, int mode) {
+  // Anchors in one cell: nothing left to draw.
   const int32_t ax = GridCell(a.anchor.x), ay = GridCell(a.anchor.y);
   const int32_t bx = GridCell(b.anchor.x), by = GridCell(b.anchor.y);
   if (ax == bx && ay == by) return true;
 
+  // The chord as y = m x + q; a chord on one grid line counts as m = 0.
   const bool sameX = ax == bx, sameY = ay == by;
   const double m = (sameX || sameY) ? 0.0 : (b.anchor.y - a.anchor.y) / (b.anchor.x - a.anchor.x);
   const double q = b.anchor.y - m * b.anchor.x;
 
+  // Handles on their anchors' cells, or on their anchors' grid lines, make a
+  // straight candidate, which must also leave its anchors along the chord.
   const int32_t aox = GridCell(a.out.x), aoy = GridCell(a.out.y);
   const int32_t bix = GridCell(b.in.x), biy = GridCell(b.in.y);
   bool straight = (aox == ax && aoy == ay && bix == bx && biy == by) ||
@@ -52,10 +63,10 @@ bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, do
                std::fabs(AngleOfThreePoints(b.in, b.anchor, a.anchor)) <= tolerance;
   }
 
-  const double dx = b.anchor.x - a.anchor.x, dy = b.anchor.y - a.anchor.y;
-  const double d = std::sqrt(dx * dx + dy * dy);
+  const double d = Distance(a.anchor, b.anchor);
   if (mode != 0 && straight) return maxLength > d;
 
+  // Otherwise both handles must lie within `tolerance` of the chord's line.
   const double norm = std::sqrt(1.0 + m * m);
   if (std::fabs(m * a.out.x - a.out.y + q) / norm > tolerance) return false;
   if (std::fabs(m * b.in.x - b.in.y + q) / norm > tolerance) return false;
@@ -65,27 +76,75 @@ bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, do
 namespace {
 
 // Halving always brings the anchors into one grid cell; the depth limit only
-// guards against arithmetic that never gets there (it is far beyond any
-// curve whose coordinates fit the grid).
-constexpr int kMaxDepth = 48;
+// guards against arithmetic that never gets there (NaN or coordinates beyond
+// the grid, or a chain of halvings that keeps straddling a cell boundary).
+// Plain double arithmetic collapses such chains well before this depth.
+constexpr int kMaxDepth = 64;
 
-void Flatten(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance, int mode,
-             std::vector<RVPOINT>& out, int depth) {
-  if (depth >= kMaxDepth || IsFlat(a, b, maxLength, tolerance, mode)) {
-    out.push_back(b.anchor);
-    return;
+template <class Sink>
+class Flattener {
+ public:
+  Flattener(double maxLength, double tolerance, int mode, Sink& sink)
+      : m_maxLength(maxLength), m_tolerance(tolerance), m_mode(mode), m_sink(sink) {}
+
+  void Run(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, int depth) {
+    if (depth >= kMaxDepth || IsFlat(a, b, m_maxLength, m_tolerance, m_mode)) {
+      if (++m_count > kMaxFlattenPoints) Raise(kErrCurveTooLarge);
+      m_sink(b.anchor);
+      return;
+    }
+    RVBEZIERPOINT left = a, right = b, middle{};
+    DivideBezier(left, right, 0.5, middle);
+    Run(left, middle, depth + 1);
+    Run(middle, right, depth + 1);
   }
-  RVBEZIERPOINT left = a, right = b, middle{};
-  DivideBezier(left, right, 0.5, middle);
-  Flatten(left, middle, maxLength, tolerance, mode, out, depth + 1);
-  Flatten(middle, right, maxLength, tolerance, mode, out, depth + 1);
+
+ private:
+  double m_maxLength;
+  double m_tolerance;
+  int m_mode;
+  Sink& m_sink;
+  std::size_t m_count = 0;
+};
+
+template <class Sink>
+void Flatten(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance, int mode,
+             Sink& sink) {
+  Flattener<Sink>(maxLength, tolerance, mode, sink).Run(a, b, 0);
 }
 
 }  // namespace
 
 void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
                   int mode, std::vector<RVPOINT>& out) {
-  Flatten(a, b, maxLength, tolerance, mode, out, 0);
+  auto sink = [&out](const RVPOINT& p) { out.push_back(p); };
+  Flatten(a, b, maxLength, tolerance, mode, sink);
+}
+
+void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
+                  int mode, CurveList& out) {
+  auto sink = [&out](const RVPOINT& p) { out.push_back(PointRecord(p)); };
+  Flatten(a, b, maxLength, tolerance, mode, sink);
+}
+
+std::size_t CountFlattenPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
+                               double tolerance, int mode) {
+  std::size_t count = 0;
+  auto sink = [&count](const RVPOINT&) { ++count; };
+  Flatten(a, b, maxLength, tolerance, mode, sink);
+  return count;
+}
+
+double PolylineLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
+                      int mode) {
+  RVPOINT last = a.anchor;
+  double sum = 0.0;
+  auto sink = [&](const RVPOINT& p) {
+    sum += Distance(last, p);
+    last = p;
+  };
+  Flatten(a, b, maxLength, tolerance, mode, sink);
+  return sum;
 }
 
 }  // namespace rv

@@ -1,14 +1,31 @@
 // The core of curve work: the 0.01 grid, angles, de Casteljau splits and the
 // adaptive flattening of one Bezier curve. Everything that turns curves into
 // points goes through here.
+//
+// A curve between two points of a path is two consecutive RVBEZIERPOINT
+// records a, b: a.anchor, a.out, b.in, b.anchor.
 #pragma once
 
 #include <cstdint>
 #include <vector>
 
+#include "frame/frame.h"
+#include "geometry/curve_list.h"
 #include "rvdataaccess.h"
 
 namespace rv {
+
+/// A null pointer, a negative count or another argument out of range given to
+/// a curve operation.
+constexpr uint32_t kErrCurveArgument = ErrCode(8, 13);
+/// A curve that can't be worked within the library's limits: its flattening
+/// would pass kMaxFlattenPoints, or an arc fit makes no progress.
+constexpr uint32_t kErrCurveTooLarge = ErrCode(8, 14);
+
+/// Most points that the flattening of one curve may produce. At the 0.01 grid
+/// this is a curve of about 10 km; only coordinates far outside any drawing
+/// (or a maxLength of 0 on such a curve) get there.
+constexpr std::size_t kMaxFlattenPoints = std::size_t(1) << 20;
 
 /// Grid cell of a coordinate: the value times 100, truncated toward zero to a
 /// 32-bit integer. Values outside the 32-bit range (and NaN) share the cell
@@ -20,21 +37,35 @@ inline bool SameCell(const RVPOINT& p, const RVPOINT& q) {
   return GridCell(p.x) == GridCell(q.x) && GridCell(p.y) == GridCell(q.y);
 }
 
-/// Signed angle at `vertex` from p1 to p3, in (-pi, pi]; 0 when any two of
-/// the three points are equal.
+/// Signed angle at `vertex` from p1 to p3: atan2 of the cross and the dot
+/// product of p1 - vertex and p3 - vertex; 0 when any two of the three points
+/// are exactly equal. A straight angle may come out as -pi when the cross
+/// product is a negative zero.
 double AngleOfThreePoints(const RVPOINT& p1, const RVPOINT& vertex, const RVPOINT& p3);
 
 /// De Casteljau split of the curve a-b at t: fills middle's in, anchor and
-/// out, and updates a.out and b.in. Other fields stay as they are.
+/// out, and updates a.out and b.in. Other fields stay as they are; t isn't
+/// clamped.
 void DivideBezier(RVBEZIERPOINT& a, RVBEZIERPOINT& b, double t, RVBEZIERPOINT& middle);
 
-/// The flatness test: may the curve a-b stand as one chord?
+/// The point of the curve a-b at parameter t.
+RVPOINT PointOnCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double t);
+
+/// The flatness test: may the curve a-b stand as one chord? `tolerance` is an
+/// angle in radians for handles that sit on the chord's grid line and a
+/// distance for the others; `maxLength` the longest chord allowed. With mode 0
+/// only anchors in one grid cell make a flat curve.
 bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance, int mode);
 
 /// Appends the end points of the chords of the curve a-b: b.anchor last,
-/// a.anchor not included. Halves at t = 0.5 until each piece is flat.
+/// a.anchor not included. Halves at t = 0.5 until each piece is flat. Raises
+/// kErrCurveTooLarge past kMaxFlattenPoints points.
 void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
                   int mode, std::vector<RVPOINT>& out);
+
+/// The same, appending kind 0 RVCURVEPOINT records.
+void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
+                  int mode, CurveList& out);
 
 /// The polyline of a curve as RvMiCurvesToPoints gives it for two points:
 /// a.anchor, then the chords' end points.
@@ -42,6 +73,23 @@ inline void CurveToPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double
                           int mode, std::vector<RVPOINT>& out) {
   out.push_back(a.anchor);
   FlattenCurve(a, b, maxLength, tolerance, mode, out);
+}
+
+/// Number of points that FlattenCurve appends for the curve a-b.
+std::size_t CountFlattenPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
+                               double tolerance, int mode);
+
+/// Length of the polyline of the curve a-b flattened with the given
+/// parameters: the sum of the distances of consecutive points, in order.
+double PolylineLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance,
+                      int mode);
+
+/// A kind 0 record.
+inline RVCURVEPOINT PointRecord(const RVPOINT& p) {
+  RVCURVEPOINT r{};
+  r.kind = 0;
+  r.point = p;
+  return r;
 }
 
 }  // namespace rv

@@ -11,7 +11,24 @@ namespace rv {
 
 ChildList::~ChildList() {
   if (!m_owning) return;
-  for (CRvArt* child : m_items) delete child;
+  // Pre-order in list order, with an explicit stack: each art is destroyed
+  // before its children, and the children of an owning container are taken
+  // over from its list first, so that no destructor recurses.
+  std::vector<CRvArt*> pending(m_items.rbegin(), m_items.rend());
+  m_items.clear();
+  while (!pending.empty()) {
+    CRvArt* art = pending.back();
+    pending.pop_back();
+    if (art->IsContainer()) {
+      auto* container = static_cast<CRvContainerArt*>(art);
+      if (container->OwnsChildren()) {
+        auto& kids = container->m_children.items();
+        pending.insert(pending.end(), kids.rbegin(), kids.rend());
+        kids.clear();
+      }
+    }
+    delete art;
+  }
 }
 
 // ---------------------------------------------------------------- CRvArt
@@ -56,13 +73,20 @@ const std::string& CRvArt::GetTag(const std::string& key) const {
 
 // ---------------------------------------------------------------- containers
 
+void CRvContainerArt::NoteLinked(ChildPos pos) {
+  (*pos)->m_listOwner = this;
+  (*pos)->m_listPos = pos;
+}
+
 bool CRvContainerArt::AddChild(int16_t where, CRvArt* child) {
-  if (child == nullptr || !Accepts(*child)) return false;
+  if (child == nullptr || !Accepts(*child) || !OwnsChildren()) return false;
   auto& items = m_children.items();
   if (where == 0) {
     items.push_front(child);
+    NoteLinked(items.begin());
   } else if (where == 1) {
     items.push_back(child);
+    NoteLinked(std::prev(items.end()));
   } else {
     return false;
   }
@@ -70,13 +94,12 @@ bool CRvContainerArt::AddChild(int16_t where, CRvArt* child) {
 }
 
 bool CRvContainerArt::InsertChild(int16_t where, ChildPos node, CRvArt* child) {
-  if (child == nullptr || !Accepts(*child)) return false;
+  if (where == 0 || where == 1) return AddChild(where, child);
+  if (child == nullptr || !Accepts(*child) || !OwnsChildren()) return false;
   auto& items = m_children.items();
   switch (where) {
-    case 0: items.push_front(child); return true;
-    case 1: items.push_back(child); return true;
-    case 2: items.insert(std::next(node), child); return true;
-    case 3: items.insert(node, child); return true;
+    case 2: NoteLinked(items.insert(std::next(node), child)); return true;
+    case 3: NoteLinked(items.insert(node, child)); return true;
     default: return false;
   }
 }
@@ -104,9 +127,14 @@ CRvArt* CRvContainerArt::GetRelative(int16_t where, ChildPos node) const {
   }
 }
 
-void CRvContainerArt::RemoveChild(ChildPos node) { m_children.items().erase(node); }
+void CRvContainerArt::RemoveChild(ChildPos node) {
+  CRvArt* art = *node;
+  if (art->m_listOwner == this && art->m_listPos == node) art->m_listOwner = nullptr;
+  m_children.items().erase(node);
+}
 
 std::optional<ChildPos> CRvContainerArt::FindChild(const CRvArt* child) {
+  if (child != nullptr && child->m_listOwner == this) return child->m_listPos;
   auto& items = m_children.items();
   auto it = std::find(items.begin(), items.end(), child);
   if (it == items.end()) return std::nullopt;
@@ -116,10 +144,15 @@ std::optional<ChildPos> CRvContainerArt::FindChild(const CRvArt* child) {
 // ---------------------------------------------------------------- CRvLayer
 
 void CRvLayer::RemoveChild(ChildPos node) {
+  const CRvArt* art = *node;
+  if (art->m_listOwner == this && art->m_listPos == node) {
+    CRvContainerArt::RemoveChild(node);
+    return;
+  }
   auto& items = m_children.items();
   for (auto it = items.begin(); it != items.end(); ++it) {
     if (it == node) {
-      items.erase(it);
+      CRvContainerArt::RemoveChild(it);
       return;
     }
   }
@@ -218,6 +251,42 @@ void CRvBezier::InsertPoint(int32_t i, const RVBEZIERPOINT& p) {
   } else {
     m_points.insert(m_points.begin() + i, p);
   }
+}
+
+void CRvBezier::Reverse() {
+  if (m_points.size() < 2) return;
+  if (m_startOutSet == 0) {
+    m_startOut = m_points.front().out;
+    m_startOutSet = 1;
+  }
+  std::swap(m_startIn, m_startOut);
+  std::reverse(m_points.begin(), m_points.end());
+  for (RVBEZIERPOINT& p : m_points) std::swap(p.in, p.out);
+}
+
+void CRvBezier::Rotate(int32_t index) {
+  if (m_points.empty()) return;
+  const std::size_t shift = std::size_t(index) % m_points.size();
+  std::rotate(m_points.begin(), m_points.begin() + std::ptrdiff_t(shift), m_points.end());
+}
+
+void CRvBezier::MakeFirst(int32_t index, bool closed) {
+  if (index == 0 || !closed) {
+    Rotate(index);
+    return;
+  }
+  // The closed shape: drop the repeated start, giving the start its real
+  // `in` handle back, rotate, then store the new start twice again.
+  m_points.front().in = m_startIn;
+  if (m_points.size() > 1) m_points.pop_back();
+  Rotate(index);
+  const RVBEZIERPOINT p = m_points.front();
+  m_startIn = p.in;
+  RVBEZIERPOINT last = p;
+  last.out = p.anchor;
+  m_points.push_back(last);
+  RVBEZIERPOINT& first = m_points.front();
+  first.in = p.anchor;
 }
 
 // ---------------------------------------------------------------- factories

@@ -58,10 +58,13 @@ struct ColorRecord {
 };
 
 class CRvArt;
+class CRvContainerArt;
 using ChildPos = std::list<CRvArt*>::iterator;
 
-/// Children of a container. Owns its arts and destroys them in list order,
-/// unless ownership was handed on (see ReleaseOwnership).
+/// Children of a container. Owns its arts and destroys them in list order
+/// (each art before its own children, without recursion, so that deep trees
+/// can't exhaust the stack), unless ownership was handed on
+/// (see ReleaseOwnership).
 class ChildList {
  public:
   ChildList() = default;
@@ -73,6 +76,7 @@ class ChildList {
   const std::list<CRvArt*>& items() const { return m_items; }
   /// From now on the list only refers to its arts; someone else owns them.
   void ReleaseOwnership() { m_owning = false; }
+  bool owning() const { return m_owning; }
 
  private:
   std::list<CRvArt*> m_items;
@@ -104,6 +108,8 @@ class CRvArt {
   /// The first position holding `child`, or none.
   virtual std::optional<ChildPos> FindChild(const CRvArt* child);
   virtual int16_t GetType() const { return kArtAbstract; }
+  /// True for the four containers (layer, group, compound, path).
+  virtual bool IsContainer() const { return false; }
   /// Bounds of the art's own geometry; the base has none and leaves `out`.
   virtual uint32_t GetBounds(RVRECT& out);
 
@@ -126,6 +132,12 @@ class CRvArt {
   std::unique_ptr<PathAttr> m_attr;
   std::map<std::string, std::string> m_tags;  // bytewise key order
   int m_attrOwned = 0;
+
+  // Where the art was linked last: the container and the list position. The
+  // containers keep this exact (set on link, cleared on unlink), so that a
+  // container finds a child of its own in constant time. It is not copied.
+  CRvContainerArt* m_listOwner = nullptr;
+  ChildPos m_listPos{};
 };
 
 /// Shared body of the four containers: a child list with a type filter.
@@ -140,13 +152,19 @@ class CRvContainerArt : public CRvArt {
   CRvArt* GetRelative(int16_t where, ChildPos node) const override;
   void RemoveChild(ChildPos node) override;
   std::optional<ChildPos> FindChild(const CRvArt* child) override;
+  bool IsContainer() const override { return true; }
 
   std::size_t ChildCount() const { return m_children.items().size(); }
+  /// Whether the list still owns its arts (a compound converted into a group
+  /// only refers to its former paths, and takes no new children).
+  bool OwnsChildren() const { return m_children.owning(); }
   ChildList m_children;
 
  protected:
   /// Whether an art of this type may be linked here.
   virtual bool Accepts(const CRvArt& child) const = 0;
+  /// Records `pos` as the child's place in this list.
+  void NoteLinked(ChildPos pos);
 };
 
 class CRvLayer : public CRvContainerArt {
@@ -191,6 +209,11 @@ class CRvCompound : public CRvContainerArt {
   CRvCompound(const CRvCompound& source) : CRvContainerArt(source) {}
   int16_t GetType() const override { return kArtCompound; }
 
+  /// Orders the paths by ascending half perimeter, 2*(right - left) +
+  /// 2*(top - bottom) of CRvPath::GetBounds, with a stable merge: equal
+  /// measures keep their order. Raises what GetBounds raises.
+  void SortChildren();
+
  protected:
   bool Accepts(const CRvArt& child) const override { return child.GetType() == kArtPath; }
 };
@@ -214,6 +237,17 @@ class CRvPath : public CRvContainerArt {
   std::size_t GetComponentCount() const { return ChildCount(); }
   /// Sum of the point counts of the components, in list order.
   int32_t GetPointTotal() const;
+
+  /// The true extent of the components in the path's own coordinates (the
+  /// matrix isn't applied; m_bounds isn't read). Returns 0x05000801 for a
+  /// path without children or with a child that isn't a component. A
+  /// component without points adds nothing and doesn't join its neighbours.
+  uint32_t GetBounds(RVRECT& out) override;
+  /// Signed area of the first child with the art's matrix applied to the
+  /// anchors, starting at the start segment. 0 without a first child, for a
+  /// first child without points, and for an arc as first child; a spline
+  /// counts as the polygon of its points.
+  double GetArea() const;
 
   std::unique_ptr<ColorRecord> m_fill;
   std::unique_ptr<ColorRecord> m_stroke;
@@ -249,6 +283,17 @@ class CRvBezier : public CRvPathComponent {
   const RVBEZIERPOINT& GetPoint(int32_t i) const { return m_points[std::size_t(i)]; }
   int32_t GetNextIndex(int32_t i) const { return i + 1 >= GetPointCount() ? 0 : i + 1; }
   int32_t GetPrevIndex(int32_t i) const { return i == 0 ? GetPointCount() - 1 : i - 1; }
+  /// Reverses the run of the curve: the order of the points, `in` and `out`
+  /// of each, and the stored start handles. Fewer than 2 points: nothing.
+  void Reverse();
+  /// Rotates the points left by `index` (0 <= index < count): the point at
+  /// `index` comes first. Nothing else changes.
+  void Rotate(int32_t index);
+  /// Makes the point at `index` the first one. A closed curve (closed != 0)
+  /// stores its start twice and keeps that shape: the first record has
+  /// in = anchor, the last repeats the first anchor with out = anchor, and
+  /// the `in` handle of the start goes to m_startIn. 0 <= index < count.
+  void MakeFirst(int32_t index, bool closed);
   uint8_t GetPointFlag(int32_t i) const { return m_points[std::size_t(i)].flags; }
   void SetPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags = f; }
   void OrPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags |= f; }
@@ -285,6 +330,21 @@ class CRvSpline : public CRvPathComponent {
 
   std::vector<RVPOINT> m_points;
 };
+
+/// The three-point test of arc bounds: 1 when p0 equals p1; 0 when p2 equals
+/// p0 or p1, when the points are nearly collinear (|d| < 1.0) or when their
+/// circle is wider than a radius of 14000.0; otherwise 1 for d > 0 and -1 for
+/// d <= 0, with d = (y1 - y2)(x2 - x0) - (y2 - y0)(x1 - x2). Taken as
+/// (start, end, q) it gives 1 when q lies on the counter-clockwise arc from
+/// start to end.
+int ThreePointTest(const RVPOINT& p0, const RVPOINT& p1, const RVPOINT& p2);
+
+/// Bounds helpers shared by the path walk: widen `box` by a point, a line,
+/// a curve (flattened as areas and judgments do) or an arc piece.
+void MergePoint(RVRECT& box, const RVPOINT& p);
+void MergeCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b);
+void MergeArcPiece(RVRECT& box, const RVPOINT& start, const RVPOINT& end, const RVPOINT& centre,
+                   int16_t direction);
 
 /// The art behind a handle (no check).
 inline CRvArt* ArtOf(void* handle) { return static_cast<CRvArt*>(handle); }

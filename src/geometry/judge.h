@@ -1,0 +1,70 @@
+// Path judgments: orientation, inside tests, nesting, both-sides corners,
+// the start point of a closed path and joint points.
+//
+// Everything is judged on the coarse polyline of a path (judge_polyline.h),
+// read through the drawing store as a host reads it. These functions raise
+// their failures (rv::Raise); the exports in judge_exports.cpp put the frames
+// round them. The export driver and the generators call them directly.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "geometry/judge_polyline.h"
+#include "model/art.h"
+#include "rvdataaccess.h"
+
+namespace rv {
+
+/// The coarse polyline of a path art: its first component (a Bezier), from
+/// the path's start segment round, anchors mapped by the path's matrix when
+/// `withMatrix`. Raises 0x06001001 for a null path, 0x05000D01 when it has no
+/// component, 0x05000E01 when the component isn't a Bezier.
+CoarsePolyline PathPolyline(CRvArt* path, bool withMatrix = true);
+
+/// Orientation of a Bezier component, without matrix: 1 clockwise, 2
+/// counter-clockwise, 0 for no area. A component that can't be read gives 0.
+int32_t JudgeClockwise(CRvArt* component);
+
+/// Whether `q` lies inside the path (winding angle of its coarse polyline).
+bool JudgeInsidePoint(CRvArt* path, const RVPOINT& q);
+
+/// Whether every point of the coarse polyline of `path` (each segment's list
+/// but its last point) lies inside `outer`. A path without segments isn't.
+bool JudgeInsidePath(CRvArt* path, CRvArt* outer);
+
+/// Sorts the paths by absolute area, largest first (equal areas keep their
+/// order), and flips `inside` of each path that lies inside an earlier one
+/// with the same flag; with `invert` all flags flip at the end. Each path's
+/// area and polyline are computed once, and pairs are rejected by their
+/// bounding boxes first; the result is exactly that of the plain algorithm.
+void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert);
+inline void JudgeInsideOutside(std::vector<RVINSIDEPATH>& paths, bool invert) {
+  JudgeInsideOutside(paths.data(), paths.size(), invert);
+}
+
+/// The plain algorithm: an exchange sort that computes both areas at every
+/// comparison, and the full inside test of every pair. Kept as the measure
+/// of JudgeInsideOutside.
+void JudgeInsideOutsidePlain(RVINSIDEPATH* paths, std::size_t count, bool invert);
+
+/// Signed area of a path art (0x05000D01 for null, 0x05000E01 for an art
+/// that isn't a path).
+double PathArea(CRvArt* path);
+
+/// Whether a corner that turns by `angle` degrees is cut from both sides.
+bool IsBothSidesCutLine(double angle, double limitAngle, int32_t inside, int32_t clockwise);
+
+/// Moves the start of a closed path to its best corner and returns the new
+/// start segment (see RvMiOptimizeStartSegment). The caller has read the
+/// path's closed flag and found it set.
+int16_t OptimizeStartSegment(CRvArt* path, const RVRIFMATRIX& matrix, int16_t type, int32_t closed);
+
+/// Inserts a point into `component` behind `index`, `length` along the curve
+/// a-b, which are given in the space that `matrix` maps the component into.
+/// Raises 0x08001901 for a matrix without inverse.
+void CreateJointSegment(CRvArt* component, int32_t index, RVBEZIERPOINT a, RVBEZIERPOINT b,
+                        const RVRIFMATRIX& matrix, double length);
+
+}  // namespace rv

@@ -1,0 +1,93 @@
+// Which of a set of closed paths are holes: the nesting judgment, plain and
+// fast.
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <utility>
+
+#include "frame/frame.h"
+#include "geometry/judge.h"
+#include "geometry/judge_shape.h"
+
+namespace rv {
+
+namespace {
+
+void Flip(int32_t& flag) { flag = flag == 0 ? 1 : 0; }
+
+void InvertAll(RVINSIDEPATH* paths, std::size_t count) {
+  for (std::size_t i = 0; i < count; ++i) Flip(paths[i].inside);
+}
+
+}  // namespace
+
+void JudgeInsideOutsidePlain(RVINSIDEPATH* paths, std::size_t count, bool invert) {
+  // Exchange sort, largest absolute area first; equal areas keep their order.
+  for (std::size_t i = 0; i + 1 < count; ++i) {
+    for (std::size_t j = count - 1; j > i; --j) {
+      if (std::fabs(PathArea(ArtOf(paths[j].art))) > std::fabs(PathArea(ArtOf(paths[j - 1].art)))) {
+        std::swap(paths[j], paths[j - 1]);
+      }
+    }
+  }
+  for (std::size_t i = 0; i + 1 < count; ++i) {
+    for (std::size_t j = i + 1; j < count; ++j) {
+      if (JudgeInsidePath(ArtOf(paths[j].art), ArtOf(paths[i].art)) && paths[i].inside == paths[j].inside) {
+        Flip(paths[j].inside);
+      }
+    }
+  }
+  if (invert) InvertAll(paths, count);
+}
+
+void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert) {
+  if (count < 2) {
+    if (invert) InvertAll(paths, count);
+    return;
+  }
+  // Everything that the plain algorithm reads, read once. A path that can't
+  // be read leaves the work to the plain algorithm, which fails on it at the
+  // same point and leaves the array in the same state.
+  std::vector<double> areas;
+  std::vector<NestingShape> shapes;
+  areas.reserve(count);
+  shapes.reserve(count);
+  const uint32_t code = Guard([&] {
+    for (std::size_t i = 0; i < count; ++i) {
+      areas.push_back(std::fabs(PathArea(ArtOf(paths[i].art))));
+      shapes.emplace_back(PathPolyline(ArtOf(paths[i].art)));
+    }
+  });
+  if (code != 0) {
+    JudgeInsideOutsidePlain(paths, count, invert);
+    return;
+  }
+
+  // The exchange sort moves a larger area ahead of a smaller one and never
+  // moves equal ones: the same permutation as a stable sort, as long as all
+  // areas compare (no NaN).
+  std::vector<std::size_t> order(count);
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  const bool comparable = std::none_of(areas.begin(), areas.end(), [](double a) { return std::isnan(a); });
+  if (comparable) {
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t l, std::size_t r) { return areas[l] > areas[r]; });
+  } else {
+    for (std::size_t i = 0; i + 1 < count; ++i) {
+      for (std::size_t j = count - 1; j > i; --j) {
+        if (areas[order[j]] > areas[order[j - 1]]) std::swap(order[j], order[j - 1]);
+      }
+    }
+  }
+  const std::vector<RVINSIDEPATH> before(paths, paths + count);
+  for (std::size_t k = 0; k < count; ++k) paths[k] = before[order[k]];
+
+  for (std::size_t i = 0; i + 1 < count; ++i) {
+    const NestingShape& outer = shapes[order[i]];
+    for (std::size_t j = i + 1; j < count; ++j) {
+      if (paths[i].inside == paths[j].inside && shapes[order[j]].InsideOf(outer)) Flip(paths[j].inside);
+    }
+  }
+  if (invert) InvertAll(paths, count);
+}
+
+}  // namespace rv

@@ -1,0 +1,176 @@
+#include "geometry/judge_shape.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace rv {
+
+namespace {
+
+// An edge whose angle seen from the point has |sin| below this is "near":
+// rounding could move its atan2 across the +-pi cut, or flip the side of the
+// point. Far larger than the rounding of the products (a few 1e-16).
+constexpr double kNearSine = 1e-9;
+constexpr double kNearSine2 = kNearSine * kNearSine;
+
+}  // namespace
+
+template <class F>
+void NestingShape::ForEachEdge(F&& f) const {
+  const auto& pts = m_line.points;
+  for (std::size_t list = 0; list < m_line.ListCount(); ++list) {
+    for (std::size_t k = m_line.ListBegin(list); k + 1 < m_line.ends[list]; ++k) f(pts[k], pts[k + 1]);
+  }
+}
+
+NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
+  const auto& pts = m_line.points;
+  if (pts.empty()) return;
+  m_box = Box{pts[0].x, pts[0].x, pts[0].y, pts[0].y};
+  for (const RVPOINT& p : pts) {
+    if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
+      m_finite = false;
+      return;
+    }
+    if (p.x < m_box.left) m_box.left = p.x;
+    if (p.x > m_box.right) m_box.right = p.x;
+    if (p.y < m_box.bottom) m_box.bottom = p.y;
+    if (p.y > m_box.top) m_box.top = p.y;
+  }
+  // The probes are the first point of each edge.
+  bool first = true;
+  ForEachEdge([&](const RVPOINT& p, const RVPOINT&) {
+    ++m_edgeCount;
+    if (first) {
+      m_probeBox = Box{p.x, p.x, p.y, p.y};
+      first = false;
+    }
+    if (p.x < m_probeBox.left) m_probeBox.left = p.x;
+    if (p.x > m_probeBox.right) m_probeBox.right = p.x;
+    if (p.y < m_probeBox.bottom) m_probeBox.bottom = p.y;
+    if (p.y > m_probeBox.top) m_probeBox.top = p.y;
+  });
+  // Outside the box by more than this, every edge is seen under an angle
+  // well away from +-pi, so the angle sum is 0 up to rounding.
+  m_margin = 1e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom));
+  if (!std::isfinite(m_margin) || m_edgeCount >= std::numeric_limits<uint32_t>::max() / 16) {
+    m_finite = false;  // the plain sum serves
+    return;
+  }
+  MakeBands();
+}
+
+std::size_t NestingShape::BandOf(double y) const {
+  const std::size_t bands = m_bandStart.size() - 1;
+  if (bands == 1 || !(y > m_box.bottom)) return 0;
+  const double k = std::floor((y - m_box.bottom) / m_bandHeight);
+  return k >= double(bands - 1) ? bands - 1 : std::size_t(k);
+}
+
+void NestingShape::MakeBands() {
+  const double height = m_box.top - m_box.bottom;
+  // An edge belongs to every band that its height touches, widened by far
+  // more than the distance at which a point counts as near it; so a point's
+  // band holds every edge that crosses its horizontal or that it is near.
+  const double widen = 1e-8 * ((m_box.right - m_box.left) + height);
+  auto range = [&](const RVPOINT& a, const RVPOINT& b) {
+    return std::pair{BandOf((a.y < b.y ? a.y : b.y) - widen), BandOf((a.y < b.y ? b.y : a.y) + widen)};
+  };
+  // As many bands as there are pairs of edges, fewer when steep edges would
+  // sit in too many of them, down to one band that holds every edge.
+  const std::size_t budget = 8 * m_edgeCount + 64;
+  std::size_t bands = m_edgeCount / 2 + 1;
+  for (;;) {
+    m_bandStart.assign(bands + 1, 0);
+    m_bandHeight = height / double(bands);
+    if (bands == 1 || !(m_bandHeight > 0)) {
+      m_bandStart.assign({0, 0});
+      break;
+    }
+    std::size_t entries = 0;
+    ForEachEdge([&](const RVPOINT& a, const RVPOINT& b) {
+      const auto [low, high] = range(a, b);
+      entries += high - low + 1;
+    });
+    if (entries <= budget) break;
+    bands /= 2;
+  }
+  bands = m_bandStart.size() - 1;
+  ForEachEdge([&](const RVPOINT& a, const RVPOINT& b) {
+    const auto [low, high] = range(a, b);
+    for (std::size_t k = low; k <= high; ++k) ++m_bandStart[k + 1];
+  });
+  for (std::size_t k = 0; k < bands; ++k) m_bandStart[k + 1] += m_bandStart[k];
+  m_bandEdges.resize(m_bandStart[bands]);
+  std::vector<uint32_t> fill(m_bandStart.begin(), m_bandStart.end() - 1);
+  ForEachEdge([&](const RVPOINT& a, const RVPOINT& b) {
+    const auto [low, high] = range(a, b);
+    for (std::size_t k = low; k <= high; ++k) m_bandEdges[fill[k]++] = Edge{a, b};
+  });
+}
+
+int NestingShape::CrossingInside(const RVPOINT& q) const {
+  int winding = 0;
+  const std::size_t band = BandOf(q.y);
+  const Edge* edge = m_bandEdges.data() + m_bandStart[band];
+  const Edge* end = m_bandEdges.data() + m_bandStart[band + 1];
+  for (; edge != end; ++edge) {
+    const Edge& e = *edge;
+    const double ux = e.a.x - q.x, uy = e.a.y - q.y;
+    const double vx = e.b.x - q.x, vy = e.b.y - q.y;
+    const double cross = ux * vy - uy * vx;
+    const bool upFrom = e.a.y <= q.y;
+    const bool straddles = upFrom != (e.b.y <= q.y);
+    const double uu = ux * ux + uy * uy, vv = vx * vx + vy * vy;
+    if (!(cross * cross > kNearSine2 * uu * vv)) {
+      // Nearly in line with the point. Harmless only when the edge is seen
+      // under a small angle (well below 60 degrees) and doesn't cross the
+      // point's horizontal; that also covers an edge of length 0.
+      const double dot = ux * vx + uy * vy;
+      if (straddles || !(dot > 0.0 && dot * dot > 0.25 * uu * vv)) return -1;
+      continue;
+    }
+    if (!straddles) continue;
+    if (upFrom) {
+      if (cross > 0) ++winding;  // upward edge with the point on its left
+    } else {
+      if (cross < 0) --winding;  // downward edge with the point on its right
+    }
+  }
+  return winding != 0 ? 1 : 0;
+}
+
+bool NestingShape::Contains(const RVPOINT& q) const {
+  if (m_finite && std::isfinite(q.x) && std::isfinite(q.y)) {
+    if (q.x < m_box.left - m_margin || q.x > m_box.right + m_margin || q.y < m_box.bottom - m_margin ||
+        q.y > m_box.top + m_margin) {
+      return false;
+    }
+    const int fast = CrossingInside(q);
+    if (fast >= 0) return fast == 1;
+  }
+  return IsInsideAngle(WindingAngle(m_line, q));
+}
+
+bool NestingShape::InsideOf(const NestingShape& outer) const {
+  if (m_line.points.empty() || (m_finite && m_edgeCount == 0)) return false;
+  if (m_finite && outer.m_finite) {
+    // A probe outside the outer box (with its margin) is outside.
+    const double m = outer.m_margin;
+    if (m_probeBox.left < outer.m_box.left - m || m_probeBox.right > outer.m_box.right + m ||
+        m_probeBox.bottom < outer.m_box.bottom - m || m_probeBox.top > outer.m_box.top + m) {
+      return false;
+    }
+  }
+  bool any = false, inside = true;
+  ForEachEdge([&](const RVPOINT& p, const RVPOINT&) {
+    if (inside) {
+      any = true;
+      inside = outer.Contains(p);
+    }
+  });
+  return any && inside;
+}
+
+}  // namespace rv
