@@ -28,10 +28,16 @@ inline constexpr const char* kMicroJointLayer = "MicroJointLayer";
 /// The progress text of plot data creation, spelled as the hosts know it.
 inline constexpr const char* kCreatingPlotDataText = "Createing plot data... %d %%";
 
+/// RefMap keys of the hatching output, written by class 10.
+inline constexpr const char* kHatchingFrameKey = "RivlenHatchingFrame";
+inline constexpr const char* kHatchingLineKey = "RivlenHatchingLine";
+
 /// Code of the output routes that this build doesn't carry yet (milling
 /// writer of classes 5 and 12, output of a "MicroJointLayer"): the format
 /// has no such output, as for an export through an import-only format.
 constexpr uint32_t kErrOutputNotSupportedYet = ErrCode(1, 17);
+
+class CRvArtSort;
 
 class CRvRVLFormat {
  public:
@@ -39,6 +45,36 @@ class CRvRVLFormat {
   virtual ~CRvRVLFormat();
   CRvRVLFormat(const CRvRVLFormat&) = delete;
   CRvRVLFormat& operator=(const CRvRVLFormat&) = delete;
+
+  // ---- the strategy's operations ----
+  /// The format writes only: 0x01001101.
+  uint32_t ImportToRIF();
+  /// Writes the active document as a plot job into the open file; `context`
+  /// goes to every progress callback. Returns 0 or the code of the failure
+  /// (restoring the document's boxes with expandDocument).
+  uint32_t ExportFromRIF(void* context);
+
+  // ---- passes over the arts ----
+  /// Start-point pass of one art (classes 1, 4, 11 with optimizeStartPoints).
+  void StartPointPass(CRvArt* art);
+  /// Inside pass: orders `list` by area, flags the arts at odd depth (the
+  /// flags inverted with swapInsideOutside) and tags them.
+  void InsidePass(std::vector<RVINSIDEPATH>& list);
+  /// The cutting writer of one art: passes, condition blocks, paths, "PU;",
+  /// progress.
+  void CuttingWriter(CRvArt* art);
+  /// Composes the condition block of one pass into `block` (sets m_vCut).
+  void ComposeConditionBlock(std::string& block, const CondRecord& cond, const ThetaExtension* theta);
+  /// Reads the condition of `key` at `pass` and writes its block.
+  void WriteConditionBlock(const std::string& key, int32_t pass);
+
+  // ---- seams of the routes that come later ----
+  /// The milling writer of classes 5 and 12, one art. Not carried yet: every
+  /// art returns kErrOutputNotSupportedYet.
+  uint32_t MillingWriter(CRvArt* art);
+  /// Output of the layer "MicroJointLayer" after the job. Nothing without
+  /// the layer; with it, not carried yet (kErrOutputNotSupportedYet).
+  void WriteMicroJoints();
 
   // ---- writing ----
   /// Writes `length` bytes to the output file. A short write closes the
@@ -69,6 +105,11 @@ class CRvRVLFormat {
   /// The output flip of the current placement rectangle.
   const RVRIFMATRIX& OutputFlipMatrix() const { return m_flip; }
 
+  /// The base placement, job offsets and placement transform of the job;
+  /// the placement rectangle becomes the document's plot bound box (grown by
+  /// the margins, with the document bound box, for expandDocument).
+  void PlaceJob();
+
   // ---- the members of the format ----
   std::FILE* m_file = nullptr;
   void* m_callbackUser = nullptr;
@@ -92,9 +133,24 @@ class CRvRVLFormat {
   /// and the output flip, in this order.
   void MapRecord(RVBEZIERPOINT& p, const RVRIFMATRIX& artMatrix) const;
 
+  void RunExport();
+  void RestoreDocument();
+  void UnsortedRoute();
+  void SortedRoute();
+  /// Writes a sorted list: inside and both-sides passes where the class has
+  /// them, then the art writer for each art in list order.
+  void WriteSorted(CRvArtSort& sort);
+  /// The record of a curve conversion of the path writer, one write.
+  void WriteCurveRecord(const RVCURVEPOINT& r, bool exchange);
+
   RVRIFMATRIX m_flip = kIdentity;     // output flip, kept with the placement
   std::string m_record;               // one record of the path writer
   std::vector<RVPOINT> m_polyline;    // one curve as points
+
+  // The document state that expandDocument changes for the time of the job.
+  bool m_savedDocument = false;
+  RVRECT m_savedDocBox{};
+  RVRECT m_savedPlotBox{};
 };
 
 }  // namespace rv

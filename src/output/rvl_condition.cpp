@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "conditions/cut_cdn_mng.h"
 #include "output/placement.h"
 #include "output/rvl_format.h"
 
@@ -12,10 +13,11 @@ namespace {
 
 bool HasDecimalSpeedRow(uint16_t machineType) { return machineType == 7 || machineType == 10; }
 
+// A whole number held as text, read as a 32-bit atol reads it.
 int32_t WholeNumberOfText(const char* text, std::size_t size) {
-  // A whole number held as text: read as atol reads it.
-  std::string copy(text, strnlen(text, size));
-  return int32_t(std::strtol(copy.c_str(), nullptr, 10));
+  const std::string copy(text, strnlen(text, size));
+  const long long v = std::strtoll(copy.c_str(), nullptr, 10);
+  return int32_t(uint32_t(uint64_t(v)));
 }
 
 }  // namespace
@@ -81,7 +83,7 @@ void CRvRVLFormat::ComposeConditionBlock(std::string& block, const CondRecord& c
         AppendRow(block, kRowThickness, {TruncToInt32(cond.Thickness * 10.0 + 0.5)});
         if (props.useDepth) AppendRow(block, kRowDepth, {TruncToInt32(0.5 - cond.ZPosition * 10.0)});
       } else {
-        const bool thetaOn = theta != nullptr && theta->Available != 0;
+        const bool thetaOn = theta != nullptr && theta->Available > 0;
         AppendRow(block, kRowVCut,
                   {cond.VCutType == 0 ? 0 : cond.VCutType - 1, cond.VCutType == 1 ? 1 : 0,
                    TruncToInt32(-(cond.ZPosition * 10.0)), TruncToInt32(cond.VCutOffset * 10.0),
@@ -97,9 +99,32 @@ void CRvRVLFormat::ComposeConditionBlock(std::string& block, const CondRecord& c
       if (cond.hasOffset != 0) AppendRow(block, kRowOffset, {cond.Offset});
     }
   }
-  if (theta != nullptr && theta->Available != 0 && !plotter::NeverTheta(p.plotterClass) && m_vCut == 0) {
+  if (theta != nullptr && theta->Available > 0 && !plotter::NeverTheta(p.plotterClass) && m_vCut == 0) {
     for (int k = 0; k < 6; ++k) AppendRow(block, kRowTheta, {theta->values[k], k + 1});
   }
+}
+
+}  // namespace rv
+
+namespace rv {
+
+void CRvRVLFormat::WriteConditionBlock(const std::string& key, int32_t pass) {
+  static const CondRecord kNoCondition{};
+  CRvCutCdnMng& conditions = CRvCutCdnMng::Instance();
+  CondPair pair{nullptr, nullptr};
+  Check(conditions.GetConditionAtRepeat(key, pass, pair));
+  const CondRecord& cond = pair.record != nullptr ? *pair.record : kNoCondition;
+  // The milling families keep a milling record beside the condition: it has
+  // no Theta values.
+  const ThetaExtension* theta = nullptr;
+  auto media = conditions.m_media.find(key);
+  if (pair.extension != nullptr && media != conditions.m_media.end() && pass >= 1 &&
+      pass <= media->second->Count() && media->second->FormAt(pass - 1) == ExtensionForm::Theta) {
+    theta = static_cast<const ThetaExtension*>(pair.extension);
+  }
+  std::string block;
+  ComposeConditionBlock(block, cond, theta);
+  WriteBytes(block);
 }
 
 }  // namespace rv

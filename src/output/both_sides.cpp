@@ -4,17 +4,22 @@
 #include "output/both_sides.h"
 
 #include <cmath>
+#include <cstring>
+#include <string>
 
+#include "conditions/cut_cdn_mng.h"
 #include "frame/frame.h"
+#include "geometry/convert_pt.h"
+#include "geometry/judge.h"
+#include "model/data_access.h"
 #include "output/rvl_format.h"
 
 namespace rv {
 
 namespace {
 
-constexpr uint8_t kCorner = 32;
-constexpr uint8_t kBothSidesCorner = 64;
-constexpr uint8_t kJoint = 128;
+constexpr const char* kBothSidesMessage = "EntryBothSidesCutInfo:Error";
+constexpr const char* kBothSidesTitle = "test";
 
 RVBEZIERPOINT Mapped(const RVBEZIERPOINT& p, const RVRIFMATRIX& m) {
   RVBEZIERPOINT q = p;
@@ -24,20 +29,17 @@ RVBEZIERPOINT Mapped(const RVBEZIERPOINT& p, const RVRIFMATRIX& m) {
   return q;
 }
 
-double CurveLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
-  double length = 0.0;
-  RvMiGetBezierLength(&a, &b, &length);
-  return length;
-}
+double CurveLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) { return CRvConvertPt::BezierLength(a, b); }
 
 void MarkCorners(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutRecord& dc, int32_t inside,
                  int32_t clockwise) {
   const int32_t n = c.GetPointCount();
-  for (int32_t i = 0; i < n; ++i) c.SetPointFlag(i, 0);
   if (n == 0) return;
-  c.OrPointFlag(0, kCorner);
+  for (int32_t i = 0; i < n; ++i) c.SetPointFlag(i, 0);
+  c.OrPointFlag(0, kFlagCorner);
   double run = 0.0;
   for (int32_t i = 0; i < n; ++i) {
+    // The last point of a closed component repeats the first: step over it.
     int32_t nx = c.GetNextIndex(i);
     int32_t pv = c.GetPrevIndex(i);
     if (i == n - 1) nx = c.GetNextIndex(nx);
@@ -46,13 +48,12 @@ void MarkCorners(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutReco
     const RVBEZIERPOINT pn = Mapped(c.GetPoint(nx), placement);
     const RVBEZIERPOINT pp = Mapped(c.GetPoint(pv), placement);
     run += CurveLength(pp, pi);
-    const double deg = (RvMiCalcAngleOfBezier(pi, pp, pn) - 3.141592653589793) * 180.0 / 3.1415927410125732;
-    if (run >= dc.minLength && run > dc.jointLength &&
-        RvMiIsBothSidesCutLine(deg, dc.limitAngle, inside, clockwise) != 0) {
-      c.OrPointFlag(i, kBothSidesCorner);
+    const double deg = (CRvConvertPt::AngleOfBezier(pi, pp, pn) - 3.141592653589793) * 180.0 / 3.1415927410125732;
+    if (run >= dc.minLength && run > dc.jointLength && IsBothSidesCutLine(deg, dc.limitAngle, inside, clockwise)) {
+      c.OrPointFlag(i, kFlagBothSidesCorner);
     }
     if (std::fabs(deg) > 1.0) {
-      c.OrPointFlag(i, kCorner);
+      c.OrPointFlag(i, kFlagCorner);
       run = 0.0;
     }
   }
@@ -62,24 +63,20 @@ void MarkCorners(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutReco
 int InsertJoints(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutRecord& dc, int32_t side) {
   int inserted = 0;
   for (int32_t i = 0; i < c.GetPointCount() - 1; ++i) {
-    if ((c.GetPointFlag(i) & kCorner) == 0) continue;
+    if ((c.GetPointFlag(i) & kFlagCorner) == 0) continue;
     const int32_t count = c.GetPointCount();
     int32_t p = c.GetNextIndex(i);
-    for (int32_t guard = 0; guard < count && (c.GetPointFlag(p) & kCorner) == 0; ++guard) p = c.GetNextIndex(p);
-    if ((c.GetPointFlag(p) & kBothSidesCorner) == 0) continue;
-    int32_t x, y;
-    if (side == 1) {
-      x = i;
-      y = c.GetNextIndex(i);
-    } else {
-      x = c.GetPrevIndex(p);
-      y = p;
-    }
+    for (int32_t steps = 0; steps < count && (c.GetPointFlag(p) & kFlagCorner) == 0; ++steps) p = c.GetNextIndex(p);
+    if ((c.GetPointFlag(p) & kFlagBothSidesCorner) == 0) continue;
+    int32_t x = side == 1 ? i : c.GetPrevIndex(p);
+    int32_t y = side == 1 ? c.GetNextIndex(i) : p;
     RVBEZIERPOINT a = Mapped(c.GetPoint(x), placement);
     RVBEZIERPOINT b = Mapped(c.GetPoint(y), placement);
     double acc = CurveLength(a, b);
-    // A path of no length never reaches the joint length: one round at most.
-    for (int32_t guard = 0; acc < dc.jointLength && guard < count; ++guard) {
+    // Once round the component at most: a shape shorter than the joint
+    // length has no place for a joint.
+    int32_t steps = 0;
+    for (; acc < dc.jointLength && steps < count; ++steps) {
       if (side == 1) {
         x = y;
         y = c.GetNextIndex(y);
@@ -91,12 +88,12 @@ int InsertJoints(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutReco
       b = Mapped(c.GetPoint(y), placement);
       acc += CurveLength(a, b);
     }
-    if (acc < dc.jointLength || x + 1 >= count) continue;  // no place for a joint
+    if (!(acc >= dc.jointLength)) continue;
     const double length = CurveLength(a, b);
     const double at = side == 1 ? length - (acc - dc.jointLength) : acc - dc.jointLength;
-    RvMiCreateJointSegment(&c, x, &a, &b, &placement, at);
+    CreateJointSegment(&c, x, a, b, placement, at);
     const int32_t joint = c.GetNextIndex(x);
-    c.SetPointFlag(joint, kJoint);
+    c.SetPointFlag(joint, kFlagJoint);
     ++inserted;
     ++i;
   }
@@ -107,9 +104,10 @@ int InsertJoints(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutReco
 
 uint32_t EntryBothSidesCutInfo(void* formatHandle, void* artHandle) {
   auto& format = *static_cast<CRvRVLFormat*>(formatHandle);
-  CRvArt* art = ArtOf(artHandle);
+  CRvDataAccess& store = CRvDataAccess::Instance();
   const uint32_t code = Guard([&] {
-    if ((art->AttrFlags() & kAttrExcluded) != 0) return;
+    CRvArt* art = ArtOf(artHandle);
+    if ((store.GetPathAttrFlag(art) & kAttrExcluded) != 0) return;
     const RVPLOTPARAM& p = format.m_param;
     std::string key;
     bool hasKey = false;
@@ -120,42 +118,43 @@ uint32_t EntryBothSidesCutInfo(void* formatHandle, void* artHandle) {
       key = art->GetPlotInfo()->plotText;
       hasKey = true;
     }
-    int32_t closed = 0;
-    Check(RvGiGetPathClosed(art, &closed));
-    CRvArt* first = art->GetChild(0);
-    auto* child = first != nullptr && first->GetType() == kArtBezier ? static_cast<CRvBezier*>(first) : nullptr;
-    int32_t clockwise = child != nullptr ? RvMiJudgePathClockwise(child, closed) : 0;
+    const int32_t closed = store.GetPathClosed(art);
+    CRvArt* child = store.GetArtFirstChild(art);
+    int32_t clockwise = child != nullptr ? JudgeClockwise(child) : 0;
     if (p.forceCounterClockwise == 1) {
-      if (clockwise == 1 && closed != 0) Check(RvGiReverseBezierPoint(child));
+      if (clockwise == 1 && closed != 0 && child != nullptr) store.ReverseBezierPoint(child);
       clockwise = 0;
     }
     const int32_t inside = art->HasTag(kInsidePathTag) ? 1 : 0;
-    if (!hasKey || RvGetRepeatCount(key.c_str()) <= 0) return;
+    if (!hasKey || art->GetPlotInfo() == nullptr) return;
     CondPair pair{nullptr, nullptr};
-    Check(RvGetCutConditionByKeyAtRepeat(key.c_str(), 1, &pair));
+    Check(CRvCutCdnMng::Instance().GetConditionAtRepeat(key, 1, pair));
     if (pair.record == nullptr) return;
     const DivideCutRecord dc = pair.record->DivideCut;
     if (dc.Available <= 0 || closed == 0) return;
     int32_t side = dc.divideSide;
     if (dc.divideKind == 1) {
       side = side != 1 ? 1 : 0;
-      art->SetTag(kInToOutTag, "");
+      store.SetArtTag(art, kInToOutTag, "");
     }
-    auto* path = dynamic_cast<CRvContainerArt*>(art);
-    if (path == nullptr) return;
-    for (CRvArt* component : path->m_children.items()) {
+    if (!art->IsContainer()) return;
+    bool tagged = false;
+    for (CRvArt* component : static_cast<CRvContainerArt*>(art)->m_children.items()) {
       if (component->GetType() != kArtBezier) continue;
       auto& c = *static_cast<CRvBezier*>(component);
       if (dc.divideKind == 1) {
-        Check(RvGiReverseBezierPoint(&c));
+        store.ReverseBezierPoint(&c);
         clockwise = 1;
       }
       MarkCorners(c, format.m_placement, dc, inside, clockwise);
-      if (InsertJoints(c, format.m_placement, dc, side) > 0) art->SetTag(kBothSidesCutTag, "");
-      if (dc.divideKind == 1) Check(RvGiReverseBezierPoint(&c));
+      if (InsertJoints(c, format.m_placement, dc, side) > 0 && !tagged) {
+        store.SetArtTag(art, kBothSidesCutTag, "");
+        tagged = true;
+      }
+      if (dc.divideKind == 1) store.ReverseBezierPoint(&c);
     }
   });
-  if (code != 0) ShowMessage("EntryBothSidesCutInfo:Error", "test");
+  if (code != 0) ShowMessage(kBothSidesMessage, kBothSidesTitle);
   return code;
 }
 
@@ -165,16 +164,12 @@ namespace {
 class PieceMaker {
  public:
   PieceMaker(CRvArt* art, bool inToOut, std::vector<CRvArt*>& pieces)
-      : m_art(art), m_inToOut(inToOut), m_pieces(pieces) {}
+      : m_store(CRvDataAccess::Instance()), m_art(art), m_inToOut(inToOut), m_pieces(pieces) {}
 
   void Make() {
-    void* path = nullptr;
-    Check(RvGiCreateArt(kArtPath, 2, m_art, &path));
-    m_path = ArtOf(path);
-    Check(RvGiSetPathClosed(path, 0));
-    void* bezier = nullptr;
-    Check(RvGiCreateArt(kArtBezier, 5, path, &bezier));
-    m_bezier = static_cast<CRvBezier*>(ArtOf(bezier));
+    m_path = m_store.CreateArt(kArtPath, 2, m_art);
+    m_store.SetPathClosed(m_path, 0);
+    m_bezier = static_cast<CRvBezier*>(m_store.CreateArt(kArtBezier, 5, m_path));
   }
   void Append(const RVBEZIERPOINT& p) { m_bezier->AddPoint(p); }
   void AppendExchanged(RVBEZIERPOINT p) {
@@ -183,7 +178,7 @@ class PieceMaker {
   }
   void Finish() {
     if (m_inToOut) {
-      Check(RvGiReverseBezierPoint(m_bezier));
+      m_store.ReverseBezierPoint(m_bezier);
       m_pieces.insert(m_pieces.begin(), m_path);
     } else {
       m_pieces.push_back(m_path);
@@ -191,19 +186,20 @@ class PieceMaker {
     m_path = nullptr;
     m_bezier = nullptr;
   }
-  /// The last piece: finished when it has two points or more, else removed.
+  /// The last piece: finished when it has two points or more, else deleted.
   void Close() {
     if (m_path == nullptr) return;
     if (m_bezier->GetPointCount() > 1) {
       Finish();
       return;
     }
-    DestroyArt(m_path);
+    m_store.DeleteArt(m_path);
     m_path = nullptr;
     m_bezier = nullptr;
   }
 
  private:
+  CRvDataAccess& m_store;
   CRvArt* m_art;
   bool m_inToOut;
   std::vector<CRvArt*>& m_pieces;
@@ -213,47 +209,50 @@ class PieceMaker {
 
 }  // namespace
 
-uint32_t SplitBothSidesCut(CRvRVLFormat& format, CRvArt* art, std::vector<CRvArt*>& pieces) {
-  (void)format;
-  return Guard([&] {
+uint32_t SplitBothSidesCut(CRvRVLFormat&, CRvArt* art, std::vector<CRvArt*>& pieces) {
+  const uint32_t code = Guard([&] {
+    CRvDataAccess& store = CRvDataAccess::Instance();
     const bool inToOut = art->HasTag(kInToOutTag);
     PieceMaker maker(art, inToOut, pieces);
     maker.Make();
-    auto* path = dynamic_cast<CRvContainerArt*>(art);
-    if (path != nullptr) {
-      for (CRvArt* component : path->m_children.items()) {
+    if (art->IsContainer()) {
+      for (CRvArt* component : static_cast<CRvContainerArt*>(art)->m_children.items()) {
         if (component->GetType() != kArtBezier) continue;
         auto& c = *static_cast<CRvBezier*>(component);
-        if (inToOut) Check(RvGiReverseBezierPoint(&c));
+        if (inToOut) store.ReverseBezierPoint(&c);
         const int32_t n = c.GetPointCount();
         for (int32_t i = 0; i < n;) {
           const RVBEZIERPOINT r = c.GetPoint(i);
           maker.Append(r);
-          if ((r.flags & kJoint) == 0) {
+          if ((r.flags & kFlagJoint) == 0) {
             ++i;
             continue;
           }
           maker.Finish();
           int32_t j = c.GetNextIndex(i);
-          for (int32_t guard = 0; guard < n && (c.GetPointFlag(j) & kCorner) == 0; ++guard) j = c.GetNextIndex(j);
+          for (int32_t steps = 0; steps < n && (c.GetPointFlag(j) & kFlagCorner) == 0; ++steps) j = c.GetNextIndex(j);
           maker.Make();
           maker.AppendExchanged(c.GetPoint(j));
           int32_t k = j;
-          for (int32_t guard = 0; guard < n; ++guard) {
+          for (int32_t steps = 0; steps < n; ++steps) {
             k = c.GetPrevIndex(k);
             maker.AppendExchanged(c.GetPoint(k));
-            if ((c.GetPointFlag(k) & kJoint) != 0) break;
+            if ((c.GetPointFlag(k) & kFlagJoint) != 0) break;
           }
           maker.Finish();
           maker.Make();
-          if (j <= i) break;  // the corner lies past the end: the rest is cut
+          // A corner found past the end of the component (the walk wrapped
+          // to its start): the rest has just been cut backward from there.
+          if (j <= i) break;
           i = j;
         }
-        if (inToOut) Check(RvGiReverseBezierPoint(&c));
+        if (inToOut) store.ReverseBezierPoint(&c);
       }
     }
     maker.Close();
   });
+  if (code != 0) ShowMessage(kBothSidesMessage, kBothSidesTitle);
+  return code;
 }
 
 }  // namespace rv

@@ -4,8 +4,12 @@
 #include <cmath>
 #include <cstring>
 
+#include "conditions/cut_cdn_mng.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
+#include "geometry/convert_pt.h"
+#include "geometry/judge.h"
+#include "model/data_access.h"
 #include "model/refmap.h"
 #include "output/art_sort.h"
 #include "output/both_sides.h"
@@ -16,33 +20,20 @@ namespace rv {
 
 namespace {
 
-constexpr uint8_t kOutputMask = 2;
-constexpr const char* kHatchingFrameKey = "RivlenHatchingFrame";
-constexpr const char* kHatchingLineKey = "RivlenHatchingLine";
-
 CRvRVLFormat& FormatOf(void* context) { return *static_cast<CRvRVLFormat*>(context); }
 
 uint32_t CuttingWriterThunk(void* context, void* art) {
   return Guard([&] { FormatOf(context).CuttingWriter(ArtOf(art)); });
 }
-uint32_t StartPointThunk(void* context, void* art) {
-  return Guard([&] { FormatOf(context).StartPointPass(ArtOf(art)); });
-}
-uint32_t CountThunk(void* context, void* art) {
-  if ((ArtOf(art)->AttrFlags() & kAttrExcluded) == 0) ++FormatOf(context).m_artTotal;
-  return 0;
-}
-uint32_t MillingWriterThunk(void* context, void* art) {
-  return FormatOf(context).MillingWriter(ArtOf(art));
-}
+uint32_t MillingWriterThunk(void* context, void* art) { return FormatOf(context).MillingWriter(ArtOf(art)); }
 
 int16_t MainTable() { return MapIndex(RefMapStore::Instance().refMapIndex); }
 
-// Start and end of a remembered range of tables, or false when unset.
+// First and last table of a remembered range; false when either is unset.
 bool TableRange(uint16_t first, uint16_t last, int& from, int& to) {
   if (first == kNoRefMap || last == kNoRefMap) return false;
-  from = int16_t(first);
-  to = int16_t(last);
+  from = MapIndex(first);
+  to = MapIndex(last);
   return true;
 }
 
@@ -53,16 +44,19 @@ uint32_t CRvRVLFormat::ImportToRIF() { return ErrCode(1, 17); }
 uint32_t CRvRVLFormat::ExportFromRIF(void* context) {
   m_progressContext = context;
   const uint32_t code = Guard([&] { RunExport(); });
-  if (m_param.expandDocument == 1 && m_savedDocument) RestoreDocument();
+  // The grown boxes go back to what they were, after success and failure.
+  if (m_savedDocument) RestoreDocument();
   Progress().EndStage(context);
   return code;
 }
 
 void CRvRVLFormat::RunExport() {
-  const int16_t main = MainTable();
   PlaceJob();
   if (plotter::HonoursStartPoints(m_param.plotterClass) && m_param.optimizeStartPoints != 0) {
-    Check(RvGiRefMapTableTrace(main, kOutputMask, this, StartPointThunk, 1));
+    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, true, [&](CRvArt* art, void*) {
+      StartPointPass(art);
+      return 0u;
+    });
   }
   if (m_param.sortArts == 0) {
     UnsortedRoute();
@@ -74,13 +68,14 @@ void CRvRVLFormat::RunExport() {
 }
 
 void CRvRVLFormat::PlaceJob() {
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  CRvRIFMemoryData& doc = store.ActiveDocument();
   RVRECT rect{};
   if (m_param.useDocumentBounds != 0) {
-    Check(RvGiGetDocBoundBox(&rect));
+    doc.GetDocBoundBox(rect);
   } else {
-    Check(RvGiGetArtsBoundsByFlag(&rect, kOutputMask, 1));
+    Check(RvGiGetArtsBoundsByFlag(&rect, kRefMapOutput, 1));
   }
-  CRvRIFData& doc = ActiveDocument();
   if (m_param.expandDocument == 1) {
     doc.GetDocBoundBox(m_savedDocBox);
     doc.SetDocBoundBox(GrowByMargins(m_param, m_savedDocBox));
@@ -93,51 +88,59 @@ void CRvRVLFormat::PlaceJob() {
 }
 
 void CRvRVLFormat::RestoreDocument() {
-  CRvRIFData& doc = ActiveDocument();
-  doc.SetPlotBoundBox(m_savedPlotBox);
-  doc.SetDocBoundBox(m_savedDocBox);
   m_savedDocument = false;
+  CRvRIFMemoryData* doc = CRvDataAccess::Instance().FindActiveDocument();
+  if (doc == nullptr) return;
+  doc->SetPlotBoundBox(m_savedPlotBox);
+  doc->SetDocBoundBox(m_savedDocBox);
 }
 
 void CRvRVLFormat::UnsortedRoute() {
+  RefMapStore& maps = RefMapStore::Instance();
   const int16_t main = MainTable();
   const uint16_t cls = m_param.plotterClass;
-  Check(RvGiRefMapTableTrace(main, kOutputMask, this, CountThunk, 1));
+  maps.Trace(main, kRefMapOutput, true, [&](CRvArt* art, void*) {
+    if ((art->AttrFlags() & kAttrExcluded) == 0) ++m_artTotal;
+    return 0u;
+  });
   Progress().BeginStage(m_progressContext);
-  RefMapStore& store = RefMapStore::Instance();
-  int from, to;
+  int from = 0, to = -1;
   if (plotter::IsMilling(cls)) {
-    if (TableRange(store.routerOffsetSIndex, store.routerOffsetEIndex, from, to)) {
+    if (TableRange(maps.routerOffsetSIndex, maps.routerOffsetEIndex, from, to)) {
       for (int t = from; t <= to; ++t) {
-        Check(RvGiRefMapTableTrace(int16_t(t), kOutputMask, this, MillingWriterThunk, 1));
+        maps.Trace(int16_t(t), kRefMapOutput, true, [&](CRvArt* art, void*) { return MillingWriterThunk(this, art); });
       }
     }
     return;
   }
+  auto cut = [&](CRvArt* art, void*) { return CuttingWriterThunk(this, art); };
   if (cls == 10) {
-    if (TableRange(store.hatchingSIndex, store.hatchingEIndex, from, to)) {
+    if (TableRange(maps.hatchingSIndex, maps.hatchingEIndex, from, to)) {
       for (int t = from; t <= to; ++t) {
-        Check(RvGiRefMapTableMatchTrace(int16_t(t), kHatchingFrameKey, kOutputMask, this, CuttingWriterThunk, 1));
-        Check(RvGiRefMapTableMatchTrace(int16_t(t), kHatchingLineKey, kOutputMask, this, CuttingWriterThunk, 1));
+        maps.MatchTrace(int16_t(t), kHatchingFrameKey, kRefMapOutput, true, cut);
+        maps.MatchTrace(int16_t(t), kHatchingLineKey, kRefMapOutput, true, cut);
       }
     }
     return;
   }
   if (cls != 0) {
+    // The closed paths of the table. A group or compound stands in the
+    // collected list once for each path below it, under its own handle: it
+    // isn't a path, so it takes no part in the inside pass.
+    std::vector<RVINSIDEPATH> collected;
+    maps.CollectArts(main, collected);
     std::vector<RVINSIDEPATH> list;
-    store.CollectArts(main, list);
-    list.erase(std::remove_if(list.begin(), list.end(),
-                              [](const RVINSIDEPATH& e) {
-                                const CRvArt* a = ArtOf(e.art);
-                                return a->GetType() != kArtPath || static_cast<const CRvPath*>(a)->m_closed == 0;
-                              }),
-               list.end());
+    list.reserve(collected.size());
+    for (const RVINSIDEPATH& e : collected) {
+      const CRvArt* a = ArtOf(e.art);
+      if (a->GetType() == kArtPath && static_cast<const CRvPath*>(a)->m_closed != 0) list.push_back(e);
+    }
     InsidePass(list);
     if (!plotter::SkipsBothSides(cls)) {
-      Check(RvGiRefMapTableTrace(main, kOutputMask, this, EntryBothSidesCutInfo, 1));
+      maps.Trace(main, kRefMapOutput, true, [&](CRvArt* art, void*) { return EntryBothSidesCutInfo(this, art); });
     }
   }
-  Check(RvGiRefMapTableTrace(main, kOutputMask, this, CuttingWriterThunk, 1));
+  maps.Trace(main, kRefMapOutput, true, cut);
 }
 
 void CRvRVLFormat::WriteSorted(CRvArtSort& sort) {
@@ -155,15 +158,15 @@ void CRvRVLFormat::WriteSorted(CRvArtSort& sort) {
 void CRvRVLFormat::SortedRoute() {
   const uint16_t cls = m_param.plotterClass;
   const int16_t main = MainTable();
-  RefMapStore& store = RefMapStore::Instance();
-  int from, to;
+  RefMapStore& maps = RefMapStore::Instance();
+  int from = 0, to = -1;
   if (m_param.sortPerCutOrder == 0) {
     if (cls == 0) {
       CRvBlockBubbleSort sort(m_placement, m_param);
       Check(sort.SortTable(m_progressContext, 1));
       WriteSorted(sort);
     } else if (plotter::IsMilling(cls)) {
-      if (!TableRange(store.routerOffsetSIndex, store.routerOffsetEIndex, from, to)) return;
+      if (!TableRange(maps.routerOffsetSIndex, maps.routerOffsetEIndex, from, to)) return;
       CRvArtSortByBounds sort(m_placement, m_param);
       Check(sort.SortTableRange(m_progressContext, int16_t(from), int16_t(to), 1));
       WriteSorted(sort);
@@ -175,7 +178,7 @@ void CRvRVLFormat::SortedRoute() {
     return;
   }
   if (plotter::IsMilling(cls)) {
-    if (!TableRange(store.routerOffsetSIndex, store.routerOffsetEIndex, from, to)) return;
+    if (!TableRange(maps.routerOffsetSIndex, maps.routerOffsetEIndex, from, to)) return;
     for (int t = from; t <= to; ++t) {
       CRvArtSortByBounds sort(m_placement, m_param);
       Check(sort.SortTableRange(m_progressContext, int16_t(t), int16_t(t), 1));
@@ -183,11 +186,14 @@ void CRvRVLFormat::SortedRoute() {
     }
     return;
   }
-  // One cut-order step at a time; a table without keys has no step.
+  // One cut-order step at a time, each in a frame of its own. A step whose
+  // entry isn't for output (0x06001001) ends by itself and the walk goes on;
+  // any other failure, a cancel above all, ends the export. Each step moves
+  // the walk on by one key, so the number of keys bounds the walk.
   const int32_t steps = RvGiGetRefMapArtCount(main);
   int16_t order = 0;
   for (int32_t step = 0; step < steps && order != 2; ++step) {
-    Check(Guard([&] {
+    const uint32_t code = Guard([&] {
       if (cls == 0) {
         CRvBlockBubbleSort sort(m_placement, m_param);
         Check(sort.SortByOrder(m_progressContext, order, 1));
@@ -197,21 +203,22 @@ void CRvRVLFormat::SortedRoute() {
         Check(sort.SortByOrder(m_progressContext, order, 1));
         WriteSorted(sort);
       }
-    }));
+    });
+    if (code != 0 && code != ErrCode(6, 16)) Raise(code);
   }
 }
 
 // ------------------------------------------------------------ passes
 
 void CRvRVLFormat::StartPointPass(CRvArt* art) {
-  int32_t closed = 0;
-  Check(RvGiGetPathClosed(art, &closed));
-  const RVRIFMATRIX matrix = art->m_matrix;
-  CRvArt* first = art->GetChild(0);
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  const RVRIFMATRIX matrix = store.GetArtMatrix(art);
+  CRvArt* first = store.GetArtFirstChild(art);
+  const int32_t closed = store.GetPathClosed(art);
   if (first == nullptr || first->GetType() != kArtBezier) return;
   auto& c = *static_cast<CRvBezier*>(first);
-  const int32_t clockwise = RvMiJudgePathClockwise(&c, closed);
-  if (m_param.forceCounterClockwise == 1 && clockwise == 1 && closed != 0) Check(RvGiReverseBezierPoint(&c));
+  const int32_t clockwise = JudgeClockwise(&c);
+  if (m_param.forceCounterClockwise == 1 && clockwise == 1 && closed != 0) store.ReverseBezierPoint(&c);
   if (closed == 0) return;
   const int32_t n = c.GetPointCount();
   double best = 0.0;
@@ -228,7 +235,7 @@ void CRvRVLFormat::StartPointPass(CRvArt* art) {
     const int32_t nx = c.GetNextIndex(i);
     const int32_t pv = c.GetPrevIndex(i);
     const RVBEZIERPOINT cur = mapped(i), nxt = mapped(nx), prv = mapped(pv);
-    if (std::fabs(RvMiCalcAngleOfBezier(cur, prv, nxt) - 3.141592653589793) < 0.1745329350233078) continue;
+    if (std::fabs(CRvConvertPt::AngleOfBezier(cur, prv, nxt) - 3.141592653589793) < 0.1745329350233078) continue;
     const bool straight =
         std::fabs(RvMiCalcAngleOfThreePoints(&cur.out, &cur.anchor, &nxt.anchor)) <= 0.01745329238474369 &&
         std::fabs(RvMiCalcAngleOfThreePoints(&cur.anchor, &nxt.anchor, &nxt.in)) <= 0.01745329238474369;
@@ -244,38 +251,17 @@ void CRvRVLFormat::StartPointPass(CRvArt* art) {
     best = length;
     chosen = plotter::IsMilling(m_param.plotterClass) ? nx : i;
   }
-  Check(RvGiSortBezierPoint(&c, chosen, closed));
-  Check(RvGiSetPathStartSegment(&c, 0));
+  store.SortBezierPoint(&c, chosen, closed);
+  store.SetPathStartSegment(&c, 0);
 }
 
 void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list) {
-  if (list.size() >= 2) {
-    // Largest area first; equal areas keep their order (the order of a
-    // bubble sort, reached by a stable sort on areas computed once).
-    std::vector<std::pair<double, RVINSIDEPATH>> keyed;
-    keyed.reserve(list.size());
-    for (const RVINSIDEPATH& e : list) {
-      double area = 0.0;
-      Check(PathArea(ArtOf(e.art), area));
-      area = std::fabs(area);
-      if (std::isnan(area)) area = -1.0;
-      keyed.emplace_back(area, e);
-    }
-    std::stable_sort(keyed.begin(), keyed.end(), [](const auto& a, const auto& b) { return a.first > b.first; });
-    for (std::size_t k = 0; k < keyed.size(); ++k) list[k] = keyed[k].second;
-    for (std::size_t i = 0; i + 1 < list.size(); ++i) {
-      for (std::size_t j = i + 1; j < list.size(); ++j) {
-        int32_t inside = 0;
-        Check(RvMiJudgeInsidePath(list[j].art, list[i].art, &inside));
-        if (inside != 0 && list[i].inside == list[j].inside) list[j].inside = list[j].inside != 0 ? 0 : 1;
-      }
-    }
-  }
-  if (m_param.swapInsideOutside != 0) {
-    for (RVINSIDEPATH& e : list) e.inside = e.inside != 0 ? 0 : 1;
-  }
+  // Largest area first (the order of the exchange sort, equal areas kept),
+  // then the nesting parity; JudgeInsideOutside gives exactly that.
+  JudgeInsideOutside(list, m_param.swapInsideOutside != 0);
+  CRvDataAccess& store = CRvDataAccess::Instance();
   for (const RVINSIDEPATH& e : list) {
-    if (e.inside != 0) ArtOf(e.art)->SetTag(kInsidePathTag, "");
+    if (e.inside != 0) store.SetArtTag(ArtOf(e.art), kInsidePathTag, "");
   }
 }
 
@@ -283,13 +269,13 @@ void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list) {
 
 void CRvRVLFormat::CuttingWriter(CRvArt* art) {
   const RVPLOTPARAM& p = m_param;
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  CRvCutCdnMng& conditions = CRvCutCdnMng::Instance();
   m_vCut = 0;
-  const RVRIFMATRIX matrix = art->m_matrix;
-  const bool excluded = (art->AttrFlags() & kAttrExcluded) != 0;
-  CRvArt* firstComponent = art->GetChild(0);
-  int32_t closedFlag = 0;
-  Check(RvGiGetPathClosed(art, &closedFlag));
-  bool closed = closedFlag != 0;
+  const RVRIFMATRIX matrix = store.GetArtMatrix(art);
+  const bool excluded = (store.GetPathAttrFlag(art) & kAttrExcluded) != 0;
+  CRvArt* firstComponent = store.GetArtFirstChild(art);
+  bool closed = store.GetPathClosed(art) != 0;
 
   std::vector<CRvArt*> parts;
   if (art->HasTag(kBothSidesCutTag)) {
@@ -318,14 +304,14 @@ void CRvRVLFormat::CuttingWriter(CRvArt* art) {
       passes = (p.doubleCreasePass != 0 && key == "CRE") ? 2 : 1;
       blockDue = true;
     } else {
-      int32_t count = RvGetRepeatCount(key.c_str());
-      if (p.doubleCreasePass != 0 && count > 0) {
+      int32_t count = conditions.GetRepeatCount(key);
+      if (p.doubleCreasePass != 0) {
         CondPair first{nullptr, nullptr};
-        Check(RvGetCutConditionByKeyAtRepeat(key.c_str(), 1, &first));
-        if (first.record != nullptr && std::strcmp(first.record->Tool, "CRE") == 0) {
-          Check(RvAddCutCondition(key.c_str(), 1, &first));
+        Check(conditions.GetConditionAtRepeat(key, 1, first));
+        if (first.record != nullptr && std::strncmp(first.record->Tool, "CRE", sizeof first.record->Tool) == 0) {
+          Check(conditions.AddCondition(key, 1, first));
           added = true;
-          count = RvGetRepeatCount(key.c_str());
+          count = conditions.GetRepeatCount(key);
         }
       }
       blockDue = count != 0;
@@ -337,14 +323,12 @@ void CRvRVLFormat::CuttingWriter(CRvArt* art) {
     int needMove = 1;
     for (int32_t k = 1; k <= passes; ++k) {
       if (!closed) needMove = 1;
-      if (k == 1 && firstComponent != nullptr) Check(RvGiSetPathStartSegment(firstComponent, 0));
+      if (k == 1 && firstComponent != nullptr) store.SetPathStartSegment(firstComponent, 0);
       if (blockDue) WriteConditionBlock(key, k);
       for (CRvArt* part : parts) {
         if (!closed) needMove = 1;
-        if (excluded) continue;
-        auto* container = dynamic_cast<CRvContainerArt*>(part);
-        if (container == nullptr) continue;
-        for (CRvArt* component : container->m_children.items()) {
+        if (excluded || !part->IsContainer()) continue;
+        for (CRvArt* component : static_cast<CRvContainerArt*>(part)->m_children.items()) {
           switch (component->GetType()) {
             case kArtBezier:
               WritePath(*static_cast<CRvBezier*>(component), matrix, closed, true, needMove);
@@ -365,20 +349,10 @@ void CRvRVLFormat::CuttingWriter(CRvArt* art) {
       WriteBytes(m_record);
     }
   });
-  if (added) (void)RvDeleteCutCondition(key.c_str(), 1);
+  // The condition added for a double crease lives only for its art.
+  if (added) (void)conditions.DeleteCondition(key, 1);
   Check(code);
   AdvanceProgress();
-}
-
-void CRvRVLFormat::WriteConditionBlock(const std::string& key, int32_t pass) {
-  static const CondRecord kNoCondition{};
-  CondPair pair{nullptr, nullptr};
-  Check(RvGetCutConditionByKeyAtRepeat(key.c_str(), pass, &pair));
-  const CondRecord& cond = pair.record != nullptr ? *pair.record : kNoCondition;
-  const ThetaExtension* theta = static_cast<const ThetaExtension*>(pair.extension);
-  std::string block;
-  ComposeConditionBlock(block, cond, theta);
-  WriteBytes(block);
 }
 
 // ------------------------------------------------------------ seams
@@ -386,7 +360,7 @@ void CRvRVLFormat::WriteConditionBlock(const std::string& key, int32_t pass) {
 uint32_t CRvRVLFormat::MillingWriter(CRvArt*) { return kErrOutputNotSupportedYet; }
 
 void CRvRVLFormat::WriteMicroJoints() {
-  CRvRIFMemoryData& doc = ActiveMemoryDocument();
+  const CRvRIFMemoryData& doc = CRvDataAccess::Instance().ActiveDocument();
   for (const auto& layer : doc.Layers()) {
     if (layer->GetName() == kMicroJointLayer) Raise(kErrOutputNotSupportedYet);
   }

@@ -5,6 +5,8 @@
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "model/art.h"
+#include "model/data_access.h"
+#include "model/refmap.h"
 #include "output/placement.h"
 #include "output/rvl_format.h"
 
@@ -12,10 +14,8 @@ namespace rv {
 
 namespace {
 
-constexpr uint8_t kOutputMask = 2;
-
 // The first Bezier component below an art: the art itself, the first child
-// of a path, or the first path found going down first children.
+// of a path, or the first component found going down first children.
 const CRvBezier* FirstBezier(const CRvArt* art) {
   while (art != nullptr) {
     const int16_t type = art->GetType();
@@ -31,6 +31,7 @@ bool PathIsClosed(const CRvArt* art) {
 }
 
 // Point 0 of a component: the anchor, an arc's start or the spline point.
+// False for a component without points or an art that isn't a component.
 bool FirstPointOf(const CRvArt* component, RVPOINT& out) {
   switch (component->GetType()) {
     case kArtBezier: {
@@ -56,15 +57,15 @@ bool FirstPointOf(const CRvArt* component, RVPOINT& out) {
   }
 }
 
-RVRECT BoundsOf(void* art) {
-  RVRECT r{};
-  Check(RvGiGetArtBounds(art, &r));
-  return r;
-}
+RVRECT BoundsOf(void* art) { return CRvDataAccess::Instance().GetArtBounds(ArtOf(art)); }
 
-template <class Sort>
-uint32_t AddArtThunk(void* context, void* art) {
-  return Guard([&] { static_cast<Sort*>(context)->AddArt(art); });
+// The corner of the document bound box where the pen is taken to stand.
+RVPOINT StartCorner(const RVPLOTPARAM& param, bool byBounds) {
+  const RVRECT doc = CRvDataAccess::Instance().GetDocBoundBox();
+  if (param.rotation == kThreeQuarterTurn) return {doc.left, doc.top};
+  if (param.rotation == kHalfTurn) return {doc.left, doc.bottom};
+  if (param.rotation == kQuarterTurn) return {doc.right, doc.bottom};
+  return byBounds ? RVPOINT{doc.right, doc.top} : RVPOINT{doc.right, doc.bottom};
 }
 
 }  // namespace
@@ -86,6 +87,8 @@ CRvArtSort::CRvArtSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
 
 CRvArtSort::~CRvArtSort() = default;
 
+int16_t CRvArtSort::MainTable() { return MapIndex(RefMapStore::Instance().refMapIndex); }
+
 void CRvArtSort::forEach(CRvRVLFormat& format, uint32_t (*callback)(void*, void*)) const {
   for (const RVSORTENTRY& e : m_entries) Check(callback(&format, e.art));
 }
@@ -99,14 +102,12 @@ int32_t CRvArtSort::BlockKeyOfArt(void* handle) const {
   const RVRIFMATRIX artMatrix = art->m_matrix;
   CRvArt* holder = art;
   if (art->GetType() == kArtCompound) {
-    SortCompoundChildren(art);
+    static_cast<CRvCompound*>(art)->SortChildren();
     holder = art->GetChild(0);
   }
   int32_t key = 0;
-  if (holder == nullptr) return key;
-  auto* container = dynamic_cast<CRvContainerArt*>(holder);
-  if (container == nullptr) return key;
-  for (CRvArt* component : container->m_children.items()) {
+  if (holder == nullptr || !holder->IsContainer()) return key;
+  for (CRvArt* component : static_cast<CRvContainerArt*>(holder)->m_children.items()) {
     RVPOINT p;
     if (!FirstPointOf(component, p)) continue;
     const RVPOINT q = Apply(m_matrix, Apply(artMatrix, p));
@@ -133,15 +134,7 @@ void CRvArtSort::OrderByKey(void* context) {
 
 CRvBlockBubbleSort::CRvBlockBubbleSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
     : CRvArtSort(placement, param) {
-  RVRECT doc{};
-  Check(RvGiGetDocBoundBox(&doc));
-  RVPOINT corner{doc.right, doc.bottom};
-  if (param.rotation == kThreeQuarterTurn) {
-    corner = {doc.left, doc.top};
-  } else if (param.rotation == kHalfTurn) {
-    corner = {doc.left, doc.bottom};
-  }
-  m_startPoint = Apply(m_matrix, corner);
+  m_startPoint = Apply(m_matrix, StartCorner(param, false));
 }
 
 void CRvBlockBubbleSort::AddArt(void* art) {
@@ -181,8 +174,10 @@ void CRvBlockBubbleSort::Refine(void* context) {
 uint32_t CRvBlockBubbleSort::SortByKey(void* context, const std::string& key, int32_t drill) {
   return Guard([&] {
     m_entries.clear();
-    Check(RvGiRefMapTableMatchTrace(MainTable(), key.c_str(), kOutputMask, this, AddArtThunk<CRvBlockBubbleSort>,
-                                    drill));
+    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
+      AddArt(art);
+      return 0u;
+    });
     OrderByKey(context);
     Refine(context);
   });
@@ -190,8 +185,10 @@ uint32_t CRvBlockBubbleSort::SortByKey(void* context, const std::string& key, in
 
 uint32_t CRvBlockBubbleSort::SortByOrder(void* context, int16_t& order, int32_t drill) {
   return Guard([&] {
-    Check(RvGiRefMapTableOrderTrace(MainTable(), kOutputMask, &order, this, AddArtThunk<CRvBlockBubbleSort>,
-                                    drill));
+    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, [&](CRvArt* art, void*) {
+      AddArt(art);
+      return 0u;
+    });
     OrderByKey(context);
     Refine(context);
   });
@@ -199,7 +196,10 @@ uint32_t CRvBlockBubbleSort::SortByOrder(void* context, int16_t& order, int32_t 
 
 uint32_t CRvBlockBubbleSort::SortTable(void* context, int32_t drill) {
   return Guard([&] {
-    Check(RvGiRefMapTableTrace(MainTable(), kOutputMask, this, AddArtThunk<CRvBlockBubbleSort>, drill));
+    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
+      AddArt(art);
+      return 0u;
+    });
     OrderByKey(context);
     Refine(context);
   });
@@ -211,17 +211,7 @@ uint32_t CRvBlockBubbleSort::SortTableRange(void*, int16_t, int16_t, int32_t) { 
 
 CRvArtSortByBounds::CRvArtSortByBounds(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
     : CRvArtSort(placement, param) {
-  RVRECT doc{};
-  Check(RvGiGetDocBoundBox(&doc));
-  RVPOINT corner{doc.right, doc.top};
-  if (param.rotation == kThreeQuarterTurn) {
-    corner = {doc.left, doc.top};
-  } else if (param.rotation == kHalfTurn) {
-    corner = {doc.left, doc.bottom};
-  } else if (param.rotation == kQuarterTurn) {
-    corner = {doc.right, doc.bottom};
-  }
-  m_startPoint = Apply(m_matrix, corner);
+  m_startPoint = Apply(m_matrix, StartCorner(param, true));
 }
 
 void CRvArtSortByBounds::AddArt(void* art) {
@@ -242,12 +232,18 @@ void CRvArtSortByBounds::Refine(void* context) {
   RefineByBounds(m_entries, boxes, [&](std::size_t index) { Step(context, RefinePercent(index, total)); });
 }
 
+// The walks of the bounds sort don't look at their result: the arts that were
+// collected before a failure are sorted and written.
 uint32_t CRvArtSortByBounds::SortByKey(void* context, const std::string& key, int32_t drill) {
   return Guard([&] {
     m_entries.clear();
     OpenStage(context);
-    (void)RvGiRefMapTableMatchTrace(MainTable(), key.c_str(), kOutputMask, this, AddArtThunk<CRvArtSortByBounds>,
-                                    drill);
+    (void)Guard([&] {
+      RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
+        AddArt(art);
+        return 0u;
+      });
+    });
     OrderByKey(context);
     Refine(context);
   });
@@ -256,8 +252,10 @@ uint32_t CRvArtSortByBounds::SortByKey(void* context, const std::string& key, in
 uint32_t CRvArtSortByBounds::SortByOrder(void* context, int16_t& order, int32_t drill) {
   return Guard([&] {
     OpenStage(context);
-    Check(RvGiRefMapTableOrderTrace(MainTable(), kOutputMask, &order, this, AddArtThunk<CRvArtSortByBounds>,
-                                    drill));
+    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, [&](CRvArt* art, void*) {
+      AddArt(art);
+      return 0u;
+    });
     OrderByKey(context);
     Refine(context);
   });
@@ -266,7 +264,12 @@ uint32_t CRvArtSortByBounds::SortByOrder(void* context, int16_t& order, int32_t 
 uint32_t CRvArtSortByBounds::SortTable(void* context, int32_t drill) {
   return Guard([&] {
     OpenStage(context);
-    (void)RvGiRefMapTableTrace(MainTable(), kOutputMask, this, AddArtThunk<CRvArtSortByBounds>, drill);
+    (void)Guard([&] {
+      RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
+        AddArt(art);
+        return 0u;
+      });
+    });
     OrderByKey(context);
     Refine(context);
   });
@@ -276,7 +279,12 @@ uint32_t CRvArtSortByBounds::SortTableRange(void* context, int16_t first, int16_
   return Guard([&] {
     OpenStage(context);
     for (int t = first; t <= last; ++t) {
-      (void)RvGiRefMapTableTrace(int16_t(t), kOutputMask, this, AddArtThunk<CRvArtSortByBounds>, drill);
+      (void)Guard([&] {
+        RefMapStore::Instance().Trace(int16_t(t), kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
+          AddArt(art);
+          return 0u;
+        });
+      });
     }
     OrderByKey(context);
     Refine(context);

@@ -44,6 +44,11 @@ class CRvArtSort {
   /// Calls callback(format, art) for each entry in order; a non-zero result
   /// is raised.
   void forEach(CRvRVLFormat& format, uint32_t (*callback)(void*, void*)) const;
+  /// Calls visit(art) for each entry in order.
+  template <class Visit>
+  void forEachArt(Visit&& visit) const {
+    for (const RVSORTENTRY& e : m_entries) visit(e.art);
+  }
   /// Appends (art, false) for each entry.
   void copyToInsideList(std::vector<RVINSIDEPATH>& list) const;
 
@@ -65,6 +70,8 @@ class CRvArtSort {
   void OpenStage(void* context) const;
   /// Orders the entries by key (stable) after opening a stage.
   void OrderByKey(void* context);
+  /// The table of the main output (RvGiSetRefMapIndex).
+  static int16_t MainTable();
   BlockGrid m_grid;
 };
 
