@@ -4,8 +4,11 @@
 #include <random>
 #include <vector>
 
+#include "geometry/affine.h"
+#include "output/art_sort.h"
 #include "output/block_key.h"
 #include "output/sort_core.h"
+#include "rvdataaccess.h"
 
 namespace {
 
@@ -62,5 +65,68 @@ void BM_KeyOrderAndBounds(benchmark::State& state) {
   }
 }
 BENCHMARK(BM_KeyOrderAndBounds)->Unit(benchmark::kMillisecond);
+
+// The sort classes over a drawing of 20,000 open paths filed in a RefMap
+// table: the walk, the block keys, the key order and the refinement.
+void MakeDrawing() {
+  RvGiDeleteRefMapTable();
+  RvGiDeleteAllDocuments();
+  int16_t document = -1, map = -1;
+  void* layer = nullptr;
+  RvGiCreateDocument(0, &document);
+  RvGiCreateLayer(1, nullptr, &layer);
+  RvGiCreateRefMapTable(&map);
+  RvGiSetRefMapIndex(map);
+  std::mt19937 gen(7);
+  std::uniform_real_distribution<double> x(0, 2000), y(0, 1000), size(1, 20);
+  for (int i = 0; i < kArts; ++i) {
+    const double px = x(gen), py = y(gen);
+    const double w = i % 500 == 0 ? 300 : size(gen), h = i % 500 == 0 ? 200 : size(gen);
+    void* path = nullptr;
+    void* bezier = nullptr;
+    RvGiCreateArt(4, 5, layer, &path);
+    RvGiCreateArt(2, 5, path, &bezier);
+    for (RVPOINT q : {RVPOINT{px, py}, RVPOINT{px + w, py}, RVPOINT{px + w, py + h}}) {
+      RVBEZIERPOINT p{};
+      p.anchor = p.in = p.out = q;
+      RvGiAddBezierPoint(bezier, &p);
+    }
+    RvGiSetPathAttrFlag(path, 2);
+    RVRECT box{py + h, px, px + w, py};
+    RvGiSetBoundingBox(path, &box);
+    RvGiAddRefMapData(map, "arts", 2, path);
+  }
+  RVRECT page{1000, 0, 2000, 0};
+  RvGiSetDocBoundingBox(&page);
+}
+
+RVPLOTPARAM SortParam(uint16_t cls) {
+  RVPLOTPARAM p{};
+  p.plotterClass = cls;
+  p.scaleX = p.scaleY = 100.0;
+  p.deviceUnit = 1.0;
+  p.deviceMaxX = 2000;
+  p.deviceMaxY = 1000;
+  return p;
+}
+
+template <class Sort>
+void RunSort(benchmark::State& state, uint16_t cls) {
+  MakeDrawing();
+  const RVPLOTPARAM param = SortParam(cls);
+  for (auto _ : state) {
+    Sort sort(rv::kIdentity, param);
+    if (sort.SortTable(nullptr, 1) != 0) state.SkipWithError("sort failed");
+    benchmark::DoNotOptimize(sort.m_entries.data());
+  }
+  RvGiDeleteRefMapTable();
+  RvGiDeleteAllDocuments();
+}
+
+void BM_BlockBubbleSortOfADrawing(benchmark::State& state) { RunSort<rv::CRvBlockBubbleSort>(state, 0); }
+BENCHMARK(BM_BlockBubbleSortOfADrawing)->Unit(benchmark::kMillisecond);
+
+void BM_ArtSortByBoundsOfADrawing(benchmark::State& state) { RunSort<rv::CRvArtSortByBounds>(state, 6); }
+BENCHMARK(BM_ArtSortByBoundsOfADrawing)->Unit(benchmark::kMillisecond);
 
 }  // namespace

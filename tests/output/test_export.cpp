@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "conditions/cut_cdn_mng.h"
 #include "export_fixture.h"
 
 namespace {
@@ -528,6 +529,33 @@ TEST_F(ExportTest, MillingAndMicroJointsAreNotCarriedYet) {
   ASSERT_EQ(RvGiSetLayerName(layer, "MicroJointLayer"), 0u);
   Export(p, &code);
   EXPECT_EQ(code, 0x01001101u);
+}
+
+// Theta values come from the condition's extension; the milling families
+// keep a milling record there, which has none.
+TEST_F(ExportTest, ThetaRowsOnlyFromThetaExtensions) {
+  CondRecord c = Condition("5");
+  c.hasSpeed = 1;
+  c.Speed = 30;
+  const ThetaExtension theta{1, {1.5, 2, 3, 4, 5, 6}};
+  AddCondition("T", c, &theta);
+  void* line = AddPath({{0, 0}, {10, 0}}, false, "A");
+  ASSERT_EQ(RvGiSetPathPlotInfo(line, 0, "T"), 0u);
+  RVPLOTPARAM p = Param(6, 0);
+  p.conditionSource = 3;
+  std::strcpy(p.conditionKey, "T");
+  const std::string stroke = "PU0.00,0.00;PD0.00,0.00;PD0.00,10.00;PU;";
+  EXPECT_EQ(Export(p), "SP5;VS30,5;ZG1.5,1;ZG2.0,2;ZG3.0,3;ZG4.0,4;ZG5.0,5;ZG6.0,6;" + stroke);
+
+  rv::CRvCutCdnMng& conditions = rv::CRvCutCdnMng::Instance();
+  ASSERT_EQ(RvDeleteAllCutCondition(), 0u);
+  const uint16_t before = conditions.machineType;
+  conditions.machineType = 3;
+  const MillingExtension milling{1, 1, 1, 1, 8000, 0.5, 20, 1.0};
+  CondPair pair{&c, &milling};
+  ASSERT_EQ(RvAddCutCondition("T", 0, &pair), 0u);
+  EXPECT_EQ(Export(p), "SP5;VS30,5;" + stroke);
+  conditions.machineType = before;
 }
 
 }  // namespace
