@@ -883,6 +883,37 @@ typedef struct RVPLOTPARAM {
  *  the file head (rows 0, 1) and tail (rows 75, 78, 100) are the caller's. */
 RV_API extern const char* const g_RvlCommands[101][7];
 
+/* How the plot writers read the parameters and the drawing, where the rules
+ * leave a choice:
+ *  - conditionSource 2 in dialect 1 writes the condition's WDZUnit as the
+ *    second value of "JT%d,%d;", as the other tool blocks do.
+ *  - An art without plot info (conditionSource 1 or 2) still gets a condition
+ *    block per pass: it is composed from a condition of zeros, so the
+ *    defaults of the parameter block fill it. A key that names no media
+ *    gives one pass without a block.
+ *  - The condition that doubleCreasePass adds for a "CRE" art is removed
+ *    again also when writing the art fails.
+ *  - The inside pass of the unsorted route takes the closed paths of the
+ *    main table; a group or compound filed there isn't a path and takes no
+ *    part (the sorted route judges the paths that the sort collected).
+ *  - A hatching or router range whose first or last index is unset (-1)
+ *    writes nothing. A main table index that names no table throws
+ *    std::out_of_range, as the RefMap table functions do.
+ *  - With sortPerCutOrder, a cut-order step whose key isn't marked for
+ *    output (0x06001001) is passed over and the job goes on; any other
+ *    failure of a step, a cancel above all, ends the export with its code.
+ *  - The both-sides pass walks at most once round a component when it looks
+ *    for the joint's place; a component shorter than the joint length gets
+ *    no joint. Its message "EntryBothSidesCutInfo:Error" goes to the message
+ *    sink (RvGiSetMessageFunction).
+ *  - The progress of plot data counts every art written, attribute bit 16
+ *    too, against the count of arts without that bit, so the percentage may
+ *    pass 100; a job with no counted art reports 0.
+ *  - The milling writer (classes 5 and 12) and the output of the layer
+ *    "MicroJointLayer" aren't carried by this build: an export that reaches
+ *    them returns 0x01001101. Without such a layer outputMicroJoints writes
+ *    nothing. */
+
 /* ======================================================================
  * Path generation
  * ====================================================================== */
