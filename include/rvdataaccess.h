@@ -808,6 +808,45 @@ RV_API uint32_t RvGiCheckTombo(int16_t map);
  * File import
  * ====================================================================== */
 
+/* Plot files (PLT). Two command languages are read, chosen from the first 15
+ * bytes of the file: HP-GL and HP-GL/2 mnemonics with a few extensions, and
+ * a language of one-letter commands ended by a terminator byte (3 unless the
+ * file sets others). Every pen-down stroke becomes one path, as last child of
+ * the layer "KFPlotFileLayer", which the import makes at the front of the
+ * document (a new layer each time, whatever layers exist). Straight moves
+ * become Bezier components (handles on the anchors), circular arcs without a
+ * chord angle arc components; all other curves arrive flattened. Every path
+ * is stroked "Black", has attribute flags 7 and its bounds set, and is
+ * closed when it ends within 0.1 document units of its start (its last point
+ * is then moved exactly onto the start). Pens, line types, fills and labels
+ * leave no trace.
+ *
+ * The content of a file never fails the import: bad parameters, unknown
+ * commands and wrong counts are skipped, as a plotter does. Choices of this
+ * library where a file asks for the impossible:
+ *  - plotter coordinates are whole 32-bit numbers: a point beyond that range
+ *    is clamped to it, and a point that is not a number (after a scaling
+ *    window of no size, for example) is taken as 0;
+ *  - one curve command makes at most 16384 moves; a finer step is widened
+ *    so that the curve fits;
+ *  - a smooth curve (ZS) for which no step was set (ZD) steps each span by a
+ *    sixteenth of its length, kept within 20 and 40 plotter units;
+ *  - an arc through three points that turns clockwise to a smaller end angle
+ *    keeps a negative sweep in its RVARCPOINT; its magnitude is the angle;
+ *  - VT with fewer than two numbers changes nothing.
+ * Every import starts from the interpreter's initial state; nothing of one
+ * import carries over to the next. */
+
+/** Imports the plot file path. mode 0: into a new document, whose index goes
+ *  to *documentIndex (if not null); else into the document *documentIndex,
+ *  which becomes active (bad index or null pointer: 0x09001D01). unitScale
+ *  points to the document units per plotter unit; 0.0, or a null pointer,
+ *  selects 0.025 (millimetres for plotter steps of 0.025 mm). Results: 0; the
+ *  bare value 1 when the file draws nothing (the empty layer stays);
+ *  0x01000201 when the file can't be opened (with mode 0 the new empty
+ *  document stays, active); 0x01000401 when it can't be closed. */
+RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIndex, const double* unitScale);
+
 /* ======================================================================
  * Plot output
  * ====================================================================== */

@@ -127,6 +127,17 @@ void FlattenCurve(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLeng
   Flatten(a, b, maxLength, tolerance, mode, sink);
 }
 
+void MergeFlattenedCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
+                         double tolerance, int mode) {
+  auto sink = [&box](const RVPOINT& p) {
+    if (p.y > box.top) box.top = p.y;
+    if (p.y < box.bottom) box.bottom = p.y;
+    if (p.x < box.left) box.left = p.x;
+    if (p.x > box.right) box.right = p.x;
+  };
+  Flatten(a, b, maxLength, tolerance, mode, sink);
+}
+
 std::size_t CountFlattenPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
                                double tolerance, int mode) {
   std::size_t count = 0;

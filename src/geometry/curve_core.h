@@ -75,6 +75,11 @@ inline void CurveToPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double
   FlattenCurve(a, b, maxLength, tolerance, mode, out);
 }
 
+/// Widens `box` by the points that FlattenCurve appends for the curve a-b,
+/// without keeping them. Raises kErrCurveTooLarge as FlattenCurve does.
+void MergeFlattenedCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
+                         double tolerance, int mode);
+
 /// Number of points that FlattenCurve appends for the curve a-b.
 std::size_t CountFlattenPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,
                                double tolerance, int mode);

@@ -41,9 +41,21 @@ void MergePoint(RVRECT& box, const RVPOINT& p) {
 }
 
 void MergeCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
-  std::vector<RVPOINT> points;
-  CurveToPoints(a, b, kCoarseLength, kCoarseTolerance, kFlattenMode, points);
-  for (const RVPOINT& p : points) MergePoint(box, p);
+  MergePoint(box, a.anchor);
+  // The chords of a piece whose handles sit on its anchors stay on the
+  // straight line between them: its ends are its box. Long straight runs of
+  // plot files are thus measured at once instead of in 2-unit chords.
+  if (SamePoint(a.out, a.anchor) && SamePoint(b.in, b.anchor)) {
+    MergePoint(box, b.anchor);
+    return;
+  }
+  try {
+    MergeFlattenedCurve(box, a, b, kCoarseLength, kCoarseTolerance, kFlattenMode);
+  } catch (const RvError& e) {
+    if (e.code() != kErrCurveTooLarge) throw;
+    // A curve too long to flatten: its control points hold it.
+    for (const RVPOINT& p : {a.out, b.in, b.anchor}) MergePoint(box, p);
+  }
 }
 
 void MergeArcPiece(RVRECT& box, const RVPOINT& start, const RVPOINT& end, const RVPOINT& centre,

@@ -1,0 +1,162 @@
+// Throughput of the plot file import: 10 MB generated HP-GL files, one of
+// short pen-down moves, one of arcs. Reported as bytes per second and
+// moves (lines and arcs handed over) per second, for the whole import
+// (file to document) and for the interpreter alone.
+#include <benchmark/benchmark.h>
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "formats/plot_interpreter.h"
+#include "rvdataaccess.h"
+
+namespace {
+
+constexpr std::size_t kFileSize = 10u << 20;
+
+/// Strokes of 50 short moves wandering over a sheet: a pen-up move, then a
+/// PD list of 50 pairs, as plotter drivers write outlines.
+std::string ShortMoves() {
+  std::string s = "IN;SP1;";
+  s.reserve(kFileSize + 256);
+  uint32_t x = 1000, y = 1000, seed = 12345;
+  while (s.size() < kFileSize) {
+    s += "PU" + std::to_string(x) + "," + std::to_string(y) + ";PD";
+    for (int i = 0; i < 50; ++i) {
+      seed = seed * 1103515245u + 12345u;
+      x = 1000 + (x + (seed >> 16) % 41 - 20) % 30000;
+      y = 1000 + (y + (seed >> 8) % 41 - 20) % 20000;
+      if (i) s += ',';
+      s += std::to_string(x);
+      s += ',';
+      s += std::to_string(y);
+    }
+    s += ";\n";
+  }
+  return s;
+}
+
+/// Curved outlines: a pen-up move, then a pen-down stroke of 20 quarter
+/// arcs (AR) winding along, each continuing the last.
+std::string Arcs() {
+  std::string s = "IN;SP1;";
+  s.reserve(kFileSize + 256);
+  uint32_t i = 0;
+  while (s.size() < kFileSize) {
+    const uint32_t x = 1000 + (i * 37) % 30000, y = 1000 + (i * 91) % 20000;
+    s += "PU" + std::to_string(x) + "," + std::to_string(y) + ";PD;";
+    for (int k = 0; k < 20; ++k) s += k % 2 ? "AR0,150,-90;" : "AR150,0,90;";
+    s += "\n";
+    ++i;
+  }
+  return s;
+}
+
+/// Many small paths of arcs: a pen-up move, an arc about a centre and an arc
+/// through three points, one path each.
+std::string ArcPaths() {
+  std::string s = "IN;SP1;";
+  s.reserve(kFileSize + 256);
+  uint32_t i = 0;
+  while (s.size() < kFileSize) {
+    const uint32_t x = 1000 + (i * 37) % 30000, y = 1000 + (i * 91) % 20000;
+    s += "PU" + std::to_string(x + 200) + "," + std::to_string(y) + ";";
+    s += "AA" + std::to_string(x) + "," + std::to_string(y) + ",90;";
+    s += "AT" + std::to_string(x - 200) + "," + std::to_string(y) + "," + std::to_string(x) + "," +
+         std::to_string(y - 200) + ";\n";
+    ++i;
+  }
+  return s;
+}
+
+struct CountingSink : rv::CRvPlotSink {
+  int64_t moves = 0;
+  void DrawLine(const rv::PlotPoint&, const rv::PlotPoint&, int16_t) override { ++moves; }
+  void DrawArc(const rv::PlotArc&) override { ++moves; }
+};
+
+void RunInterpreter(benchmark::State& state, const std::string& data) {
+  int64_t moves = 0;
+  for (auto _ : state) {
+    CountingSink sink;
+    rv::CRvPlotInterpreter in(sink);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
+    in.SetDialect(rv::CRvPlotInterpreter::DetectDialect(bytes, data.size()));
+    in.Feed(bytes, data.size());
+    in.FeedEnd();
+    moves += sink.moves;
+    benchmark::DoNotOptimize(sink.moves);
+  }
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
+  state.counters["moves/s"] = benchmark::Counter(double(moves), benchmark::Counter::kIsRate);
+}
+
+/// Moves the interpreter hands over for `data`.
+int64_t CountMoves(const std::string& data) {
+  CountingSink sink;
+  rv::CRvPlotInterpreter in(sink);
+  const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
+  in.SetDialect(rv::CRvPlotInterpreter::DetectDialect(bytes, data.size()));
+  in.Feed(bytes, data.size());
+  in.FeedEnd();
+  return sink.moves;
+}
+
+/// The whole import: file, interpreter, paths in a new document.
+void RunImport(benchmark::State& state, const std::string& data) {
+  char name[] = "/tmp/bench_plt_import_XXXXXX";
+  const int fd = mkstemp(name);
+  if (fd < 0 || write(fd, data.data(), data.size()) != ssize_t(data.size())) {
+    state.SkipWithError("cannot write the input file");
+    return;
+  }
+  close(fd);
+  const int64_t moves = CountMoves(data);
+  for (auto _ : state) {
+    int16_t index = -1;
+    const double scale = 0.0;
+    const uint32_t code = RvImPLTToRIF(name, 0, &index, &scale);
+    if (code != 0) state.SkipWithError("import failed");
+    state.PauseTiming();
+    RvGiDeleteActiveDocument();
+    state.ResumeTiming();
+  }
+  std::remove(name);
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
+  state.counters["moves/s"] = benchmark::Counter(double(moves) * double(state.iterations()), benchmark::Counter::kIsRate);
+}
+
+void BM_ImportShortMoves(benchmark::State& state) {
+  static const std::string data = ShortMoves();
+  RunImport(state, data);
+}
+BENCHMARK(BM_ImportShortMoves)->Unit(benchmark::kMillisecond);
+
+void BM_ImportArcs(benchmark::State& state) {
+  static const std::string data = Arcs();
+  RunImport(state, data);
+}
+BENCHMARK(BM_ImportArcs)->Unit(benchmark::kMillisecond);
+
+void BM_ImportArcPaths(benchmark::State& state) {
+  static const std::string data = ArcPaths();
+  RunImport(state, data);
+}
+BENCHMARK(BM_ImportArcPaths)->Unit(benchmark::kMillisecond);
+
+void BM_InterpretShortMoves(benchmark::State& state) {
+  static const std::string data = ShortMoves();
+  RunInterpreter(state, data);
+}
+BENCHMARK(BM_InterpretShortMoves)->Unit(benchmark::kMillisecond);
+
+void BM_InterpretArcs(benchmark::State& state) {
+  static const std::string data = Arcs();
+  RunInterpreter(state, data);
+}
+BENCHMARK(BM_InterpretArcs)->Unit(benchmark::kMillisecond);
+
+}  // namespace
