@@ -44,7 +44,7 @@ void BM_PathWriterDialect0(benchmark::State& state) {
   int64_t segments = 0;
   for (auto _ : state) {
     rv::CRvRVLFormat format(Param());
-    format.m_file = std::fopen("/dev/null", "wb");
+    format.Open("/dev/null", "wb");
     RVRECT rect{};
     rect.right = 4000;
     rect.top = 1200;
@@ -53,8 +53,7 @@ void BM_PathWriterDialect0(benchmark::State& state) {
       int needMove = 1;
       format.WritePath(*path, rv::kIdentity, false, true, needMove);
     }
-    std::fclose(format.m_file);
-    format.m_file = nullptr;
+    format.Close();
     segments += int64_t(kPaths) * kSegments;
   }
   state.counters["segments/s"] = benchmark::Counter(double(segments), benchmark::Counter::kIsRate);
@@ -62,7 +61,7 @@ void BM_PathWriterDialect0(benchmark::State& state) {
 BENCHMARK(BM_PathWriterDialect0)->Unit(benchmark::kMillisecond);
 
 // The same drawing as arts of a document, filed in a RefMap table, written
-// by the export operation of the format (placement, passes, writer).
+// by RvExRIFToRVL (placement, passes, writer).
 void BM_WholeExportDialect0(benchmark::State& state) {
   RvGiDeleteRefMapTable();
   int16_t document = -1, map = -1;
@@ -88,11 +87,7 @@ void BM_WholeExportDialect0(benchmark::State& state) {
   const RVPLOTPARAM param = Param();
   int64_t segments = 0;
   for (auto _ : state) {
-    rv::CRvRVLFormat format(param);
-    format.m_file = std::fopen("/dev/null", "wb");
-    if (format.ExportFromRIF(nullptr) != 0) state.SkipWithError("export failed");
-    std::fclose(format.m_file);
-    format.m_file = nullptr;
+    if (RvExRIFToRVL("/dev/null", document, &param, nullptr) != 0) state.SkipWithError("export failed");
     segments += int64_t(kPaths) * kSegments;
   }
   state.counters["segments/s"] = benchmark::Counter(double(segments), benchmark::Counter::kIsRate);

@@ -922,6 +922,15 @@ typedef struct RVPLOTPARAM {
  *  the file head (rows 0, 1) and tail (rows 75, 78, 100) are the caller's. */
 RV_API extern const char* const g_RvlCommands[101][7];
 
+/** Writes the document documentIndex (made active) as a plot job into the
+ *  file path, truncated first: the body of the job in the dialect of
+ *  param, which is copied at once. progressContext goes to every progress
+ *  callback. 0x09001D01 for a bad document, 0x01000201 when the file can't be
+ *  opened, 0x06001F01 / 0x0A001F01 when the host cancels, 0x06001001 for a
+ *  null param; a failed job leaves what was written. */
+RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
+                             void* progressContext);
+
 /* How the plot writers read the parameters and the drawing, where the rules
  * leave a choice:
  *  - conditionSource 2 in dialect 1 writes the condition's WDZUnit as the

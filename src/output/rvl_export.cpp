@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <memory>
 
 #include "conditions/cut_cdn_mng.h"
+#include "formats/file_frame.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "geometry/convert_pt.h"
@@ -367,3 +369,16 @@ void CRvRVLFormat::WriteMicroJoints() {
 }
 
 }  // namespace rv
+
+extern "C" {
+
+RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
+                             void* progressContext) {
+  return rv::Guard([&] {
+    if (param == nullptr) rv::Raise(rv::ErrCode(6, 16));
+    rv::CRvFile file(std::make_unique<rv::CRvRVLFormat>(*param));
+    rv::Check(file.Export(path, documentIndex, progressContext));
+  });
+}
+
+}  // extern "C"

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "formats/file_frame.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 #include "model/art.h"
@@ -39,20 +40,20 @@ constexpr uint32_t kErrOutputNotSupportedYet = ErrCode(1, 17);
 
 class CRvArtSort;
 
-class CRvRVLFormat {
+class CRvRVLFormat : public CRvFormatStrategy {
  public:
   explicit CRvRVLFormat(const RVPLOTPARAM& param);
-  virtual ~CRvRVLFormat();
+  ~CRvRVLFormat() override;
   CRvRVLFormat(const CRvRVLFormat&) = delete;
   CRvRVLFormat& operator=(const CRvRVLFormat&) = delete;
 
   // ---- the strategy's operations ----
   /// The format writes only: 0x01001101.
-  uint32_t ImportToRIF();
+  uint32_t ImportToRIF() override;
   /// Writes the active document as a plot job into the open file; `context`
   /// goes to every progress callback. Returns 0 or the code of the failure
   /// (restoring the document's boxes with expandDocument).
-  uint32_t ExportFromRIF(void* context);
+  uint32_t ExportFromRIF(void* context) override;
 
   // ---- passes over the arts ----
   /// Start-point pass of one art (classes 1, 4, 11 with optimizeStartPoints).
@@ -110,8 +111,7 @@ class CRvRVLFormat {
   /// the margins, with the document bound box, for expandDocument).
   void PlaceJob();
 
-  // ---- the members of the format ----
-  std::FILE* m_file = nullptr;
+  // ---- the members of the format (the open file is the base's) ----
   void* m_callbackUser = nullptr;
   void* m_progressContext = nullptr;
   int32_t m_artTotal = 0;

@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "output/rvl_format.h"
 #include "rvdataaccess.h"
 #include "test_support.h"
 
@@ -105,14 +104,7 @@ class ExportTest : public ::testing::Test {
   std::string Export(const RVPLOTPARAM& param, uint32_t* code = nullptr, void* context = nullptr) {
     TempDir dir;
     const std::string file = dir.file("job.rvl");
-    uint32_t result = RvGiSetActiveDocument(m_document);
-    if (result == 0) {
-      rv::CRvRVLFormat format(param);
-      format.m_file = std::fopen(file.c_str(), "wb");
-      result = format.ExportFromRIF(context);
-      if (format.m_file != nullptr) std::fclose(format.m_file);
-      format.m_file = nullptr;
-    }
+    const uint32_t result = RvExRIFToRVL(file.c_str(), m_document, &param, context);
     if (code != nullptr) {
       *code = result;
     } else {

@@ -49,12 +49,10 @@ std::string Written(const RVPLOTPARAM& param, Body&& body) {
   rvtest::TempDir dir;
   const std::string path = dir.file("out.rvl");
   rv::CRvRVLFormat format(param);
-  format.m_file = std::fopen(path.c_str(), "wb");
-  EXPECT_NE(format.m_file, nullptr);
+  EXPECT_EQ(format.Open(path, "wb"), 0u);
   format.SetPlacement(rv::kIdentity, Rect(0, 0, 10, 10));
   body(format);
-  std::fclose(format.m_file);
-  format.m_file = nullptr;
+  EXPECT_EQ(format.Close(), 0u);
   return rvtest::ReadFile(path);
 }
 
@@ -188,12 +186,11 @@ TEST(PathWriter, FrameRoundTheJob) {
 TEST(PathWriter, ShortWriteClosesAndFails) {
   RVPLOTPARAM p = Param(6, 0);
   rv::CRvRVLFormat format(p);
-  format.m_file = std::fopen("/dev/full", "wb");
-  ASSERT_NE(format.m_file, nullptr);
-  std::setvbuf(format.m_file, nullptr, _IONBF, 0);
+  ASSERT_EQ(format.Open("/dev/full", "wb"), 0u);
+  std::setvbuf(format.File(), nullptr, _IONBF, 0);
   const uint32_t code = rv::Guard([&] { format.WriteBytes("PU;", 3); });
   EXPECT_EQ(code, 0x01000301u);
-  EXPECT_EQ(format.m_file, nullptr);
+  EXPECT_EQ(format.File(), nullptr);
   EXPECT_EQ(rv::Guard([&] { format.WriteBytes("", 0); }), 0u);
 }
 
