@@ -242,6 +242,40 @@ TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
   EXPECT_EQ(log.steps, (std::vector<int>{0, 50}));
 }
 
+TEST_F(ExportTest, ProgressOfTheSortsAndOfWriting) {
+  AddPath({{0, 0}, {10, 0}}, false, "A");
+  AddPath({{0, 60}, {10, 60}}, false, "B");
+  ProgressLog log;
+  g_log = &log;
+  RvGiSetProgressFunction(OnStep, OnRange, OnBegin, OnEnd, OnMessage);
+  RVPLOTPARAM p = Param(6, 3);
+  p.sortArts = 1;
+  Export(p, nullptr, &log);
+  // By bounds: its own start, the key order, the refinement, one report after
+  // the first art; then writing two arts.
+  EXPECT_EQ(log.steps, (std::vector<int>{0, 0, 50, 50, 50, 100}));
+  EXPECT_EQ(log.messages, (std::vector<std::string>{"Sorting.... 0 %", "Sorting.... 0 %", "Sorting.... 50 %",
+                                                    "Sorting.... 50 %", "Createing plot data... 50 %",
+                                                    "Createing plot data... 100 %"}));
+  EXPECT_EQ(log.begins, 2);
+  EXPECT_EQ(log.ends, 1);
+  // By blocks (the two arts in rows 0 and 1): the key order, the refinement,
+  // a report after each lone entry.
+  log = ProgressLog{};
+  p.plotterClass = 0;
+  Export(p, nullptr, &log);
+  EXPECT_EQ(log.steps, (std::vector<int>{0, 50, 75, 100, 50, 100}));
+  EXPECT_EQ(log.begins, 1);
+  // Without onStep no message and no cancel.
+  log = ProgressLog{};
+  log.cancelAt = 0;
+  RvGiSetProgressFunction(nullptr, OnRange, OnBegin, OnEnd, OnMessage);
+  uint32_t code = 1;
+  Export(p, &code, &log);
+  EXPECT_EQ(code, 0u);
+  EXPECT_TRUE(log.messages.empty());
+}
+
 TEST_F(ExportTest, ExpandDocumentGrowsTheJobForItsTime) {
   AddPath({{0, 0}, {10, 0}}, false, "A");
   RVRECT page = Rect(-5, -5, 50, 50);

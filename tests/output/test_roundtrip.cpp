@@ -1,4 +1,5 @@
-// Exports read back by the plot file import, and the export's entry checks.
+// Exports read back by the plot file import, the export's entry checks and
+// the start-point pass.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -101,6 +102,25 @@ TEST_F(ExportTest, EntryChecks) {
   // The format writes only.
   rv::CRvRVLFormat format(p);
   EXPECT_EQ(format.ImportToRIF(), 0x01001101u);
+}
+
+// The start-point pass moves a closed path's start to the corner where its
+// first straight side of the greatest length begins, in classes 1, 4, 11.
+TEST_F(ExportTest, StartPointPassInItsClasses) {
+  // Starting in the middle of the bottom side, stored twice.
+  const std::vector<std::pair<double, double>> shape = {{5, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}, {5, 0}};
+  AddPath(shape, true, "A");
+  RVPLOTPARAM p = Param(1, 0);
+  EXPECT_EQ(Export(p), "PU5.00,0.00;PD5.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;"
+                       "PD5.00,0.00;PD5.00,0.00;PU;");
+  p.plotterClass = 6;  // not a class of the pass
+  p.optimizeStartPoints = 1;
+  EXPECT_EQ(Export(p), "PU0.00,5.00;PD0.00,5.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;"
+                       "PD0.00,5.00;PD0.00,5.00;PU;");
+  // The first side of length 10 leaves (10,0); the start is stored twice again.
+  p.plotterClass = 1;
+  EXPECT_EQ(Export(p), "PU10.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;PD5.00,0.00;"
+                       "PD10.00,0.00;PD10.00,0.00;PU;");
 }
 
 }  // namespace
