@@ -538,6 +538,20 @@ TEST_F(ExportTest, SortedByBlocksInClass0) {
             "PU0.00,45.00;PD0.00,45.00;PD0.00,40.00;PU;");
 }
 
+TEST_F(ExportTest, CutOrderStepsPassOverKeysNotForOutput) {
+  AddPath({{0, 0}, {10, 0}}, false, "A");
+  void* hidden = AddPath({{0, 5}, {10, 5}}, false, nullptr);
+  ASSERT_EQ(RvGiAddRefMapData(m_map, "H", 1, hidden), 0u);  // info without bit 2
+  AddPath({{0, 9}, {10, 9}}, false, "Z");
+  const std::string expected = "PU0.00,0.00;PD0.00,0.00;PD0.00,10.00;PU;PU9.00,0.00;PD9.00,0.00;PD9.00,10.00;PU;";
+  RVPLOTPARAM p = Param(6, 0);
+  p.sortArts = 1;
+  p.sortPerCutOrder = 1;
+  EXPECT_EQ(Export(p), expected);
+  p.plotterClass = 0;  // the block sort: x flipped over 10
+  EXPECT_EQ(Export(p), "PU0.00,10.00;PD0.00,10.00;PD0.00,0.00;PU;PU9.00,10.00;PD9.00,10.00;PD9.00,0.00;PU;");
+}
+
 TEST_F(ExportTest, SortedByBoundsPutsTheInnerArtFirst) {
   AddPath({{0, 0}, {0, 100}, {100, 100}, {100, 0}}, true, "A");
   AddPath({{10, 10}, {10, 20}, {20, 20}, {20, 10}}, true, "B");
