@@ -52,6 +52,26 @@ void BM_KeyOrderAndNearestStart(benchmark::State& state) {
 }
 BENCHMARK(BM_KeyOrderAndNearestStart)->Unit(benchmark::kMillisecond);
 
+// The worst case of the block sort: all 20,000 starts in one block, so the
+// nearest-start refinement settles them one by one.
+void BM_NearestStartInOneBlock(benchmark::State& state) {
+  std::mt19937 gen(5);
+  std::uniform_real_distribution<double> u(0, 50);
+  std::vector<RVPOINT> starts(kArts);
+  std::vector<rv::RVSORTENTRY> scene(kArts);
+  for (int i = 0; i < kArts; ++i) {
+    starts[std::size_t(i)] = RVPOINT{u(gen), u(gen)};
+    scene[std::size_t(i)] = rv::RVSORTENTRY{0, 0.0, reinterpret_cast<void*>(std::intptr_t(i))};
+  }
+  auto at = [&](void* art) { return starts[std::size_t(reinterpret_cast<std::intptr_t>(art))]; };
+  for (auto _ : state) {
+    auto entries = scene;
+    rv::RefineByNearestStart(entries, RVPOINT{0, 0}, at, at, [](std::size_t) {});
+    benchmark::DoNotOptimize(entries.data());
+  }
+}
+BENCHMARK(BM_NearestStartInOneBlock)->Unit(benchmark::kMillisecond)->Iterations(1);
+
 void BM_KeyOrderAndBounds(benchmark::State& state) {
   const Scene scene = MakeScene();
   for (auto _ : state) {

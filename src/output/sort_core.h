@@ -32,16 +32,19 @@ void SortEntriesByKey(std::vector<RVSORTENTRY>& entries);
 /// truncated to 16 bits.
 int16_t RefinePercent(std::size_t done, std::size_t total);
 
-/// Nearest-start refinement. Within each run of equal keys the pen goes on
-/// to the art whose start is nearest (distances at or above the cap count
-/// as the cap, ties keep their order), settles it and moves to its end;
-/// the last two of a run are ordered once by distance, and the pen moves on
-/// to the end of the last. A run of one leaves the pen where it is.
-/// startOf(art) and endOf(art) give points of plot space; report(done)
-/// runs after each entry or run and may raise.
+/// Nearest-start refinement, as the plain procedure states it. Within each
+/// run of equal keys, while more than two entries are open: every open
+/// entry's value becomes the distance from the pen to its start (distances at
+/// or above the cap count as the cap), the open entries are sorted by value,
+/// stable, and the first is settled; the pen moves to its end. The last two
+/// are measured and ordered once, and the pen moves on to the end of the
+/// last. A run of one leaves the pen where it is. startOf(art) and endOf(art)
+/// give points of plot space; report(done) runs after each entry or run and
+/// may raise. Costs a sort per settled entry; kept as the measure of
+/// RefineByNearestStart.
 template <class StartOf, class EndOf, class Report>
-void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartOf&& startOf, EndOf&& endOf,
-                          Report&& report) {
+void RefineByNearestStartPlain(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartOf&& startOf, EndOf&& endOf,
+                               Report&& report) {
   const std::size_t n = entries.size();
   std::size_t i = 0;
   while (i < n) {
@@ -64,6 +67,88 @@ void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartO
       }
       measure(open);
       pen = endOf(entries[runEnd - 1].art);
+    }
+    i = runEnd;
+    report(i);
+  }
+}
+
+/// The same order and values as RefineByNearestStartPlain, with one distance
+/// per open entry and step instead of a sort. The first entry of the sorted
+/// open list is the least by (distance now, place in the list before), and
+/// the place in the list before is decided by the distance from the pen
+/// before that, and so on back to the order of the run: so a linear search
+/// finds it, and only entries that tie look back at earlier pens.
+template <class StartOf, class EndOf, class Report>
+void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartOf&& startOf, EndOf&& endOf,
+                          Report&& report) {
+  const std::size_t n = entries.size();
+  std::vector<RVSORTENTRY> run;
+  std::vector<RVPOINT> starts;
+  std::vector<RVPOINT> pens;        // the pen of each measurement of the run
+  std::vector<std::size_t> open;    // indexes into run, in no particular order
+  std::vector<double> now;          // distance of each open entry at the last measurement
+  auto capped = [](const RVPOINT& p, const RVPOINT& q) {
+    const double d = Distance(p, q);
+    return d < kDistanceCap ? d : kDistanceCap;
+  };
+  // Whether x stands before y in the list sorted at measurement `step`.
+  auto before = [&](std::size_t x, std::size_t y, std::size_t step) {
+    if (starts[x].x != starts[y].x || starts[x].y != starts[y].y) {
+      for (std::size_t s = step + 1; s-- > 0;) {
+        const double dx = capped(pens[s], starts[x]);
+        const double dy = capped(pens[s], starts[y]);
+        if (dx != dy) return dx < dy;
+      }
+    }
+    return x < y;  // the order of the run
+  };
+  std::size_t i = 0;
+  while (i < n) {
+    std::size_t runEnd = i + 1;
+    while (runEnd < n && entries[runEnd].key == entries[i].key) ++runEnd;
+    const std::size_t k = runEnd - i;
+    if (k > 1) {
+      run.assign(entries.begin() + std::ptrdiff_t(i), entries.begin() + std::ptrdiff_t(runEnd));
+      starts.resize(k);
+      now.assign(k, 0.0);
+      for (std::size_t j = 0; j < k; ++j) starts[j] = startOf(run[j].art);
+      pens.clear();
+      open.resize(k);
+      for (std::size_t j = 0; j < k; ++j) open[j] = j;
+      std::size_t out = i;
+      // One measurement: the distances now, and the position in `open` of
+      // the least entry by (distance, place in the list before).
+      auto measure = [&]() {
+        const std::size_t step = pens.size();
+        pens.push_back(pen);
+        std::size_t best = 0;
+        for (std::size_t m = 0; m < open.size(); ++m) {
+          const std::size_t j = open[m];
+          now[j] = capped(pen, starts[j]);
+          run[j].value = now[j];
+          if (m == 0) continue;
+          const std::size_t b = open[best];
+          if (now[j] < now[b] || (now[j] == now[b] && step > 0 && before(j, b, step - 1)) ||
+              (now[j] == now[b] && step == 0 && j < b)) {
+            best = m;
+          }
+        }
+        return best;
+      };
+      while (open.size() > 2) {
+        const std::size_t m = measure();
+        const std::size_t j = open[m];
+        entries[out++] = run[j];
+        pen = endOf(run[j].art);
+        open[m] = open.back();  // the order of `open` doesn't matter
+        open.pop_back();
+      }
+      const std::size_t m = measure();
+      const std::size_t first = open[m], second = open[1 - m];
+      entries[out++] = run[first];
+      entries[out++] = run[second];
+      pen = endOf(run[second].art);
     }
     i = runEnd;
     report(i);

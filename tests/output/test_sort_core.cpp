@@ -58,6 +58,36 @@ TEST(SortCore, NearestStartWithinRunsOfEqualKeys) {
   rv::RefineByNearestStart(e, RVPOINT{0, 0}, startOf, endOf, [](std::size_t) { ADD_FAILURE(); });
 }
 
+TEST(SortCore, NearestStartGivesTheOrderOfThePlainProcedure) {
+  // Starts and ends on a small integer grid, so that many distances tie
+  // exactly; some starts repeat, some lie beyond the cap; keys in few runs.
+  std::mt19937 gen(11);
+  for (int round = 0; round < 300; ++round) {
+    const int count = 1 + int(gen() % 40);
+    std::vector<RVPOINT> starts, ends;
+    std::vector<rv::RVSORTENTRY> e;
+    std::uniform_int_distribution<int> cell(0, round % 3 == 0 ? 2 : 6);
+    for (int k = 0; k < count; ++k) {
+      RVPOINT s{double(cell(gen)), double(cell(gen))};
+      if (gen() % 10 == 0) s.x += 200000.0;  // beyond the cap
+      starts.push_back(s);
+      ends.push_back(RVPOINT{double(cell(gen)), double(cell(gen))});
+      e.push_back(rv::RVSORTENTRY{int(gen() % 3), 0.0, reinterpret_cast<void*>(std::intptr_t(k + 1))});
+    }
+    rv::SortEntriesByKey(e);
+    auto startOf = [&](void* art) { return starts[std::size_t(reinterpret_cast<std::intptr_t>(art) - 1)]; };
+    auto endOf = [&](void* art) { return ends[std::size_t(reinterpret_cast<std::intptr_t>(art) - 1)]; };
+    auto plain = e;
+    std::vector<std::size_t> fastReports, plainReports;
+    const RVPOINT pen{double(cell(gen)), 0.0};
+    rv::RefineByNearestStart(e, pen, startOf, endOf, [&](std::size_t d) { fastReports.push_back(d); });
+    rv::RefineByNearestStartPlain(plain, pen, startOf, endOf, [&](std::size_t d) { plainReports.push_back(d); });
+    ASSERT_EQ(Ids(e), Ids(plain)) << "round " << round;
+    for (std::size_t k = 0; k < e.size(); ++k) EXPECT_EQ(e[k].value, plain[k].value) << "round " << round;
+    EXPECT_EQ(fastReports, plainReports);
+  }
+}
+
 TEST(SortCore, PercentOfARefinement) {
   EXPECT_EQ(rv::RefinePercent(0, 4), 50);
   EXPECT_EQ(rv::RefinePercent(1, 3), 66);
