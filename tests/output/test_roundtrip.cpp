@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "export_fixture.h"
+#include "output/art_sort.h"
 #include "output/rvl_format.h"
 
 namespace {
@@ -121,6 +122,46 @@ TEST_F(ExportTest, StartPointPassInItsClasses) {
   p.plotterClass = 1;
   EXPECT_EQ(Export(p), "PU10.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;PD5.00,0.00;"
                        "PD10.00,0.00;PD10.00,0.00;PU;");
+}
+
+std::vector<void*> Arts(const rv::CRvArtSort& sort) {
+  std::vector<void*> out;
+  sort.forEachArt([&](void* art) { out.push_back(art); });
+  return out;
+}
+
+// The sort objects on their own: walks of one key, of the whole table, of a
+// range of tables.
+TEST_F(ExportTest, SortObjectsCollectTheirWalk) {
+  void* a = AddPath({{0, 0}, {5, 0}}, false, "A");
+  void* b1 = AddPath({{60, 0}, {65, 0}}, false, "B");
+  void* b2 = AddPath({{0, 2}, {5, 2}}, false, "B");
+  void* x = AddPath({{10, 10}, {11, 10}}, false, "X", 2 | 16);
+  const RVPLOTPARAM p = Param(6, 0);
+  rv::CRvArtSortByBounds bounds(rv::kIdentity, p);
+  // Arts of a key stand newest first; b2's block (key 0) comes before b1's (key 1).
+  EXPECT_EQ(bounds.SortByKey(nullptr, "B", 1), 0u);
+  EXPECT_EQ(Arts(bounds), (std::vector<void*>{b2, b1}));
+  EXPECT_EQ(bounds.SortByKey(nullptr, "none", 1), 0u);
+  EXPECT_EQ(bounds.size(), 0u);
+  // The excluded art goes behind all others with its fixed key.
+  EXPECT_EQ(bounds.SortTable(nullptr, 1), 0u);
+  EXPECT_EQ(Arts(bounds), (std::vector<void*>{a, b2, b1, x}));
+  EXPECT_EQ(bounds.m_entries.back().key, 52500);
+  rv::CRvArtSortByBounds range(rv::kIdentity, p);
+  EXPECT_EQ(range.SortTableRange(nullptr, m_map, m_map, 1), 0u);
+  EXPECT_EQ(range.size(), 4u);
+  std::vector<RVINSIDEPATH> list;
+  range.copyToInsideList(list);
+  ASSERT_EQ(list.size(), 4u);
+  EXPECT_EQ(list[0].inside, 0);
+
+  rv::CRvBlockBubbleSort blocks(rv::kIdentity, p);
+  EXPECT_EQ(blocks.SortTableRange(nullptr, m_map, m_map, 1), 0u);
+  EXPECT_EQ(blocks.size(), 0u);
+  EXPECT_EQ(blocks.SortTable(nullptr, 1), 0u);
+  EXPECT_EQ(blocks.m_entries.back().key, 10500);
+  EXPECT_EQ(blocks.m_entries.back().art, x);
 }
 
 }  // namespace
