@@ -83,7 +83,9 @@ class ExportTest : public ::testing::Test {
     EXPECT_EQ(RvGiSetPathClosed(path, closed ? 1 : 0), 0u);
     EXPECT_EQ(RvGiSetPathAttrFlag(path, flags), 0u);
     EXPECT_EQ(RvGiSetBoundingBox(path, &box), 0u);
-    if (key != nullptr) EXPECT_EQ(RvGiAddRefMapData(m_map, key, 2, path), 0u);
+    if (key != nullptr) {
+      EXPECT_EQ(RvGiAddRefMapData(m_map, key, 2, path), 0u);
+    }
     return path;
   }
 
