@@ -851,6 +851,117 @@ RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIn
  * Plot output
  * ====================================================================== */
 
+/** One entry of the tool-to-pen map of RVPLOTPARAM. */
+typedef struct RVTOOLPEN {
+  char name[64]; /* tool name, zero-terminated; an empty name ends the map */
+  uint16_t pen;  /* pen of that tool; 0 means "not mapped here" */
+} RVTOOLPEN;
+
+/** The parameter block of all plot output. Filled by the caller, copied on
+ *  entry. Natural alignment, fields in this order. Booleans are 32-bit,
+ *  non-zero for on. */
+typedef struct RVPLOTPARAM {
+  uint16_t curveOutput;   /* 0 polylines, 1 arcs, any other value splines */
+  uint16_t plotterClass;  /* machine geometry class, 0 to 12 */
+  int16_t dialect;        /* column of g_RvlCommands, 0 to 6 (not checked) */
+  int32_t mirror;         /* mirror the plot about the vertical axis */
+  int32_t drawFrame;      /* plot a frame round the job, shift the job by the margins */
+  int32_t useDocumentBounds; /* place by the document bound box, not the arts' bounds */
+  double rotation;        /* radians; only the single-precision values of 1/2, 1 and
+                             3/2 turns (1.5707963705062866, 3.1415927410125732,
+                             4.71238899230957) rotate, compared exactly */
+  double frameMarginX, frameMarginY;
+  double scaleX, scaleY;  /* percent, 100.0 unchanged */
+  double originX;         /* job offset along the first axis */
+  double originY;         /* job offset along the second axis */
+  int32_t drawTileFrames; /* tile output: plot each tile's rectangle */
+  double tileGap;         /* tile output: gap between tiles */
+  double deviceMinX, deviceMinY, deviceMaxX, deviceMaxY; /* working area */
+  double deviceUnit;      /* drawing units per device unit */
+  int32_t sortArts;       /* sort the arts into a cut order */
+  int32_t sortPerCutOrder; /* with sortArts: one cut-order step at a time */
+  int32_t optimizeStartPoints; /* choose start segments (classes 1, 4, 11) */
+  int32_t forceCounterClockwise; /* 1: reverse clockwise closed paths first */
+  int32_t outputMicroJoints; /* plot "MicroJointLayer" after the job */
+  double routerJointLength;
+  double jointDepthLimit;
+  int32_t parkBeforeJoints;
+  int32_t writeToolDefaults; /* open condition blocks with "DF1;" */
+  int32_t swapInsideOutside; /* invert the inside-path judgment */
+  double routerOverlap;
+  int32_t routerUseContour;
+  int32_t routerCornerLines;
+  int32_t routerInside;
+  int16_t routerJointCount;
+  int32_t routerLeadIn;
+  double curveMaxLength;  /* maxLength of the curve conversions */
+  double curveTolerance;  /* tolerance of polylines and arcs (splines use 0.042) */
+  uint16_t conditionSource; /* 0 none, 1 plot info, 2 plot info pen only, 3 conditionKey */
+  char conditionKey[256];
+  int16_t defaultPen;
+  int16_t defaultSpeed;
+  double defaultSpeedExact;
+  int16_t defaultPress;
+  double defaultOffset;
+  uint16_t machineType;   /* machine family of the condition table (7, 10: decimal speed) */
+  double marginLeft, marginTop, marginBottom, marginRight;
+  RVTOOLPEN toolPens[40];
+  int32_t expandDocument; /* 1: grow the placement by the margins during the export */
+  int32_t usePlacementTransform; /* classes 8 and 10 only */
+  double placementRotation;
+  double placementScaleX, placementScaleY;
+  double placementOffsetX, placementOffsetY;
+  int32_t doubleCreasePass; /* cut arts of the tool "CRE" twice */
+} RVPLOTPARAM;
+
+/** The command vocabulary of plot output: 101 rows of printf-style texts,
+ *  one column per dialect (0 PenHpgl, 1 ToolHpgl, 2 MoveDraw, 3 Silent,
+ *  4 PlainHpgl, 5 Laser, 6 Coating). Every cell of dialect 3 and every
+ *  unused cell is the empty text "". Control bytes (0x0D, 0x0A, 0x01, 0x03,
+ *  0x80) stand in the texts as bytes. The library writes only the job body;
+ *  the file head (rows 0, 1) and tail (rows 75, 78, 100) are the caller's. */
+RV_API extern const char* const g_RvlCommands[101][7];
+
+/** Writes the document documentIndex (made active) as a plot job into the
+ *  file path, truncated first: the body of the job in the dialect of
+ *  param, which is copied at once. progressContext goes to every progress
+ *  callback. 0x09001D01 for a bad document, 0x01000201 when the file can't be
+ *  opened, 0x06001F01 / 0x0A001F01 when the host cancels, 0x06001001 for a
+ *  null param; a failed job leaves what was written. */
+RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
+                             void* progressContext);
+
+/* How the plot writers read the parameters and the drawing, where the rules
+ * leave a choice:
+ *  - conditionSource 2 in dialect 1 writes the condition's WDZUnit as the
+ *    second value of "JT%d,%d;", as the other tool blocks do.
+ *  - An art without plot info (conditionSource 1 or 2) still gets a condition
+ *    block per pass: it is composed from a condition of zeros, so the
+ *    defaults of the parameter block fill it. A key that names no media
+ *    gives one pass without a block.
+ *  - The condition that doubleCreasePass adds for a "CRE" art is removed
+ *    again also when writing the art fails.
+ *  - The inside pass of the unsorted route takes the closed paths of the
+ *    main table; a group or compound filed there isn't a path and takes no
+ *    part (the sorted route judges the paths that the sort collected).
+ *  - A hatching or router range whose first or last index is unset (-1)
+ *    writes nothing. A main table index that names no table throws
+ *    std::out_of_range, as the RefMap table functions do.
+ *  - With sortPerCutOrder, a cut-order step whose key isn't marked for
+ *    output (0x06001001) is passed over and the job goes on; any other
+ *    failure of a step, a cancel above all, ends the export with its code.
+ *  - The both-sides pass walks at most once round a component when it looks
+ *    for the joint's place; a component shorter than the joint length gets
+ *    no joint. Its message "EntryBothSidesCutInfo:Error" goes to the message
+ *    sink (RvGiSetMessageFunction).
+ *  - The progress of plot data counts every art written, attribute bit 16
+ *    too, against the count of arts without that bit, so the percentage may
+ *    pass 100; a job with no counted art reports 0.
+ *  - The milling writer (classes 5 and 12) and the output of the layer
+ *    "MicroJointLayer" aren't carried by this build: an export that reaches
+ *    them returns 0x01001101. Without such a layer outputMicroJoints writes
+ *    nothing. */
+
 /* ======================================================================
  * Path generation
  * ====================================================================== */

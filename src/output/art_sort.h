@@ -1,0 +1,110 @@
+// The cut-order sorts: CRvArtSort collects the arts of a RefMap walk with a
+// block key each, orders them by key, and refines the order by its class's
+// own method. CRvBlockBubbleSort (plotter class 0) goes from block to block
+// by nearest start; CRvArtSortByBounds (all other classes) moves what lies
+// inside or overlaps a larger art in front of that art.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "output/block_key.h"
+#include "output/sort_core.h"
+#include "rvdataaccess.h"
+
+namespace rv {
+
+class CRvRVLFormat;
+
+/// Progress text of the sorts.
+inline constexpr const char* kSortingText = "Sorting.... %d %%";
+
+/// Keys of the arts with attribute bit 16, behind all others.
+constexpr int32_t kExcludedKeyBlockSort = 10500;
+constexpr int32_t kExcludedKeyBoundsSort = 52500;
+
+class CRvArtSort {
+ public:
+  CRvArtSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param);
+  virtual ~CRvArtSort();
+  CRvArtSort(const CRvArtSort&) = delete;
+  CRvArtSort& operator=(const CRvArtSort&) = delete;
+
+  /// Sorts the arts of `key` in the main table.
+  virtual uint32_t SortByKey(void* context, const std::string& key, int32_t drill) = 0;
+  /// Sorts the arts of the next cut-order step of the main table.
+  virtual uint32_t SortByOrder(void* context, int16_t& order, int32_t drill) = 0;
+  /// Sorts all arts of the main table.
+  virtual uint32_t SortTable(void* context, int32_t drill) = 0;
+  /// Sorts the arts of the tables first to last.
+  virtual uint32_t SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) = 0;
+
+  std::size_t size() const { return m_entries.size(); }
+  /// Calls callback(format, art) for each entry in order; a non-zero result
+  /// is raised.
+  void forEach(CRvRVLFormat& format, uint32_t (*callback)(void*, void*)) const;
+  /// Calls visit(art) for each entry in order.
+  template <class Visit>
+  void forEachArt(Visit&& visit) const {
+    for (const RVSORTENTRY& e : m_entries) visit(e.art);
+  }
+  /// Appends (art, false) for each entry.
+  void copyToInsideList(std::vector<RVINSIDEPATH>& list) const;
+
+  std::vector<RVSORTENTRY> m_entries;
+  RVPOINT m_startPoint{};
+  double m_areaWidth = 0.0;
+  double m_areaHeight = 0.0;
+  RVRIFMATRIX m_matrix;
+  double m_minX = 0.0;
+  double m_minY = 0.0;
+  RVPLOTPARAM m_param;
+
+ protected:
+  /// The block key of an art (the key of its last component's first point).
+  int32_t BlockKeyOfArt(void* art) const;
+  /// Reports `percent` with the sorting text; raises 0x0A001F01 on cancel.
+  void Step(void* context, int16_t percent) const;
+  /// begin, range(0, 100), step 0 with the text, cancel check.
+  void OpenStage(void* context) const;
+  /// Orders the entries by key (stable) after opening a stage.
+  void OrderByKey(void* context);
+  /// The table of the main output (RvGiSetRefMapIndex).
+  static int16_t MainTable();
+  BlockGrid m_grid;
+};
+
+class CRvBlockBubbleSort : public CRvArtSort {
+ public:
+  CRvBlockBubbleSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param);
+  uint32_t SortByKey(void* context, const std::string& key, int32_t drill) override;
+  uint32_t SortByOrder(void* context, int16_t& order, int32_t drill) override;
+  uint32_t SortTable(void* context, int32_t drill) override;
+  uint32_t SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) override;
+
+  /// The entry builder of a walk: key 10500 for excluded arts, else the
+  /// block key; value 0.
+  void AddArt(void* art);
+
+ private:
+  void Refine(void* context);
+};
+
+class CRvArtSortByBounds : public CRvArtSort {
+ public:
+  CRvArtSortByBounds(const RVRIFMATRIX& placement, const RVPLOTPARAM& param);
+  uint32_t SortByKey(void* context, const std::string& key, int32_t drill) override;
+  uint32_t SortByOrder(void* context, int16_t& order, int32_t drill) override;
+  uint32_t SortTable(void* context, int32_t drill) override;
+  uint32_t SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) override;
+
+  /// The entry builder of a walk: key 52500 for excluded arts, else the
+  /// block key; value the perimeter of the art's bounds.
+  void AddArt(void* art);
+
+ private:
+  void Refine(void* context);
+};
+
+}  // namespace rv

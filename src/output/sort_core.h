@@ -1,0 +1,232 @@
+// The ordering steps of the cut-order sorts, apart from the drawing: the
+// first ordering by block key, the nearest-start refinement within runs of
+// equal keys, and the refinement by bounds that moves what lies inside or
+// overlaps a larger art in front of it.
+#pragma once
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <vector>
+
+#include "geometry/affine.h"
+#include "output/int_rect.h"
+
+namespace rv {
+
+/// One art of a sort: its block key, a value whose meaning depends on the
+/// sort (distance from the pen, or perimeter of the bounds) and the art.
+struct RVSORTENTRY {
+  int32_t key = 0;
+  double value = 0.0;
+  void* art = nullptr;
+};
+
+/// Largest distance that the nearest-start refinement keeps.
+constexpr double kDistanceCap = 170000.0;
+
+/// Orders by key, ascending; equal keys keep their order.
+void SortEntriesByKey(std::vector<RVSORTENTRY>& entries);
+
+/// Percent of a refinement at `done` of `total`: 50 + done / total * 50,
+/// truncated to 16 bits.
+int16_t RefinePercent(std::size_t done, std::size_t total);
+
+/// Nearest-start refinement, as the plain procedure states it. Within each
+/// run of equal keys, while more than two entries are open: every open
+/// entry's value becomes the distance from the pen to its start (distances at
+/// or above the cap count as the cap), the open entries are sorted by value,
+/// stable, and the first is settled; the pen moves to its end. The last two
+/// are measured and ordered once, and the pen moves on to the end of the
+/// last. A run of one leaves the pen where it is. startOf(art) and endOf(art)
+/// give points of plot space; report(done) runs after each entry or run and
+/// may raise. Costs a sort per settled entry; kept as the measure of
+/// RefineByNearestStart.
+template <class StartOf, class EndOf, class Report>
+void RefineByNearestStartPlain(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartOf&& startOf, EndOf&& endOf,
+                               Report&& report) {
+  const std::size_t n = entries.size();
+  std::size_t i = 0;
+  while (i < n) {
+    std::size_t runEnd = i + 1;
+    while (runEnd < n && entries[runEnd].key == entries[i].key) ++runEnd;
+    if (runEnd - i > 1) {
+      auto measure = [&](std::size_t from) {
+        for (std::size_t k = from; k < runEnd; ++k) {
+          const double d = Distance(pen, startOf(entries[k].art));
+          entries[k].value = d < kDistanceCap ? d : kDistanceCap;
+        }
+        std::stable_sort(entries.begin() + std::ptrdiff_t(from), entries.begin() + std::ptrdiff_t(runEnd),
+                         [](const RVSORTENTRY& a, const RVSORTENTRY& b) { return a.value < b.value; });
+      };
+      std::size_t open = i;
+      while (runEnd - open > 2) {
+        measure(open);
+        pen = endOf(entries[open].art);
+        ++open;
+      }
+      measure(open);
+      pen = endOf(entries[runEnd - 1].art);
+    }
+    i = runEnd;
+    report(i);
+  }
+}
+
+/// The same order and values as RefineByNearestStartPlain, with one distance
+/// per open entry and step instead of a sort. The first entry of the sorted
+/// open list is the least by (distance now, place in the list before), and
+/// the place in the list before is decided by the distance from the pen
+/// before that, and so on back to the order of the run: so a linear search
+/// finds it, and only entries that tie look back at earlier pens.
+template <class StartOf, class EndOf, class Report>
+void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartOf&& startOf, EndOf&& endOf,
+                          Report&& report) {
+  const std::size_t n = entries.size();
+  std::vector<RVSORTENTRY> run;
+  std::vector<RVPOINT> starts;
+  std::vector<RVPOINT> pens;        // the pen of each measurement of the run
+  std::vector<std::size_t> open;    // indexes into run, in no particular order
+  std::vector<double> now;          // distance of each open entry at the last measurement
+  auto capped = [](const RVPOINT& p, const RVPOINT& q) {
+    const double d = Distance(p, q);
+    return d < kDistanceCap ? d : kDistanceCap;
+  };
+  // Whether x stands before y in the list sorted at measurement `step`.
+  auto before = [&](std::size_t x, std::size_t y, std::size_t step) {
+    if (starts[x].x != starts[y].x || starts[x].y != starts[y].y) {
+      for (std::size_t s = step + 1; s-- > 0;) {
+        const double dx = capped(pens[s], starts[x]);
+        const double dy = capped(pens[s], starts[y]);
+        if (dx != dy) return dx < dy;
+      }
+    }
+    return x < y;  // the order of the run
+  };
+  std::size_t i = 0;
+  while (i < n) {
+    std::size_t runEnd = i + 1;
+    while (runEnd < n && entries[runEnd].key == entries[i].key) ++runEnd;
+    const std::size_t k = runEnd - i;
+    if (k > 1) {
+      run.assign(entries.begin() + std::ptrdiff_t(i), entries.begin() + std::ptrdiff_t(runEnd));
+      starts.resize(k);
+      now.assign(k, 0.0);
+      for (std::size_t j = 0; j < k; ++j) starts[j] = startOf(run[j].art);
+      pens.clear();
+      open.resize(k);
+      for (std::size_t j = 0; j < k; ++j) open[j] = j;
+      std::size_t out = i;
+      // One measurement: the distances now, and the position in `open` of
+      // the least entry by (distance, place in the list before).
+      auto measure = [&]() {
+        const std::size_t step = pens.size();
+        pens.push_back(pen);
+        std::size_t best = 0;
+        for (std::size_t m = 0; m < open.size(); ++m) {
+          const std::size_t j = open[m];
+          now[j] = capped(pen, starts[j]);
+          run[j].value = now[j];
+          if (m == 0) continue;
+          const std::size_t b = open[best];
+          if (now[j] < now[b] || (now[j] == now[b] && step > 0 && before(j, b, step - 1)) ||
+              (now[j] == now[b] && step == 0 && j < b)) {
+            best = m;
+          }
+        }
+        return best;
+      };
+      while (open.size() > 2) {
+        const std::size_t m = measure();
+        const std::size_t j = open[m];
+        entries[out++] = run[j];
+        pen = endOf(run[j].art);
+        open[m] = open.back();  // the order of `open` doesn't matter
+        open.pop_back();
+      }
+      const std::size_t m = measure();
+      const std::size_t first = open[m], second = open[1 - m];
+      entries[out++] = run[first];
+      entries[out++] = run[second];
+      pen = endOf(run[second].art);
+    }
+    i = runEnd;
+    report(i);
+  }
+}
+
+/// The integer box of an art's bounds: each side rounded as whole part of
+/// (value + 0.5), ordered so that left <= right and top <= bottom.
+IntRect IntegerBox(const RVRECT& bounds);
+
+/// Refinement by bounds. For each entry a from the first to the last but
+/// one, with A its box grown by 1 (top - 1, right + 1): every later entry b
+/// whose box B meets A and whose value is below a's, or whose four corners
+/// lie in A, changes places with a, and A is taken anew from the new a; the
+/// walk over b goes on from there. report(indexOfA) runs after each a and
+/// may raise. `boxes` holds the box of each entry and is permuted with the
+/// entries. The result is that of the plain double loop; runs of later
+/// entries whose common box can't meet A are passed over whole.
+template <class Report>
+void RefineByBounds(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& boxes, Report&& report) {
+  const std::size_t n = entries.size();
+  if (n < 2) return;
+  constexpr std::size_t kChunk = 64;
+  const std::size_t chunks = (n + kChunk - 1) / kChunk;
+  // Conservative common box of each chunk: only ever grown, so a chunk that
+  // it rules out really holds no candidate.
+  std::vector<IntRect> summary(chunks);
+  for (std::size_t c = 0; c < chunks; ++c) {
+    IntRect s = boxes[c * kChunk];
+    for (std::size_t k = c * kChunk + 1; k < std::min(n, (c + 1) * kChunk); ++k) {
+      s.left = std::min(s.left, boxes[k].left);
+      s.top = std::min(s.top, boxes[k].top);
+      s.right = std::max(s.right, boxes[k].right);
+      s.bottom = std::max(s.bottom, boxes[k].bottom);
+    }
+    summary[c] = s;
+  }
+  auto grow = [&](std::size_t k) {
+    IntRect& s = summary[k / kChunk];
+    s.left = std::min(s.left, boxes[k].left);
+    s.top = std::min(s.top, boxes[k].top);
+    s.right = std::max(s.right, boxes[k].right);
+    s.bottom = std::max(s.bottom, boxes[k].bottom);
+  };
+  auto inflated = [](IntRect r) {  // saturating at the 32-bit limits
+    if (r.top > INT32_MIN) r.top -= 1;
+    if (r.right < INT32_MAX) r.right += 1;
+    return r;
+  };
+  // Both conditions need B.left < A.right, B.right >= A.left, B.top < A.bottom
+  // and B.bottom >= A.top.
+  auto mayMeet = [](const IntRect& a, const IntRect& s) {
+    return s.left < a.right && s.right >= a.left && s.top < a.bottom && s.bottom >= a.top;
+  };
+  for (std::size_t i = 0; i + 1 < n; ++i) {
+    IntRect a = inflated(boxes[i]);
+    std::size_t j = i + 1;
+    while (j < n) {
+      if (j % kChunk == 0 && !mayMeet(a, summary[j / kChunk])) {
+        j += kChunk;
+        continue;
+      }
+      const IntRect& b = boxes[j];
+      IntRect common;
+      const bool meets = IntersectRect(common, a, b) && entries[j].value < entries[i].value;
+      const bool within = meets || (PtInRect(a, b.left, b.top) && PtInRect(a, b.right, b.top) &&
+                                    PtInRect(a, b.left, b.bottom) && PtInRect(a, b.right, b.bottom));
+      if (within) {
+        std::swap(entries[i], entries[j]);
+        std::swap(boxes[i], boxes[j]);
+        grow(i);
+        grow(j);
+        a = inflated(boxes[i]);
+      }
+      ++j;
+    }
+    report(i);
+  }
+}
+
+}  // namespace rv
