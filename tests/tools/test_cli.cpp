@@ -14,7 +14,7 @@ bool Contains(const std::string& text, const std::string& part) {
 TEST(ToolCli, HelpOfTheToolAndOfEachCommand) {
   const auto top = RunTool({"--help"});
   EXPECT_EQ(top.status, 0);
-  for (const char* command : {"info", "render"}) EXPECT_TRUE(Contains(top.out, command)) << top.out;
+  for (const char* command : {"info", "plot", "render"}) EXPECT_TRUE(Contains(top.out, command)) << top.out;
   EXPECT_TRUE(Contains(top.out, "Exit status")) << top.out;
 
   const auto info = RunTool({"info", "--help"});

@@ -10,13 +10,18 @@ namespace {
 using rvtool::FileBy;
 using tooltest::ApiDrawing;
 
-// Two more paths in the layer "Frame", after the square: a and b.
+// Two more paths in the layer "Frame", after the square: the lines a and b.
 struct Drawing : ApiDrawing {
   Drawing() {
     void* frame = nullptr;
     EXPECT_EQ(RvGiGetLayer(&frame, 0), 0u);
-    EXPECT_EQ(RvGiCreateArt(4, 5, frame, &a), 0u);
-    EXPECT_EQ(RvGiCreateArt(4, 5, frame, &b), 0u);
+    for (void** path : {&a, &b}) {
+      EXPECT_EQ(RvGiCreateArt(4, 5, frame, path), 0u);
+      void* bezier = nullptr;
+      EXPECT_EQ(RvGiCreateArt(2, 5, *path, &bezier), 0u);
+      for (const RVBEZIERPOINT& p : {tooltest::Corner(0, 0), tooltest::Corner(5, 5)})
+        EXPECT_EQ(RvGiAddBezierPoint(bezier, &p), 0u);
+    }
   }
   void* a = nullptr;
   void* b = nullptr;

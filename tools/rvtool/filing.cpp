@@ -27,6 +27,7 @@ std::vector<FiledKey> GroupPaths(FileBy by) {
   for (void* layer : Layers()) {
     const std::string layerName = by == FileBy::Layer ? LayerName(layer) : std::string();
     ForEachPath(layer, [&](void* path) {
+      if (Components(path).empty()) return;  // nothing to cut
       const std::string key = by == FileBy::Layer ? layerName : StrokeColourName(path);
       auto [it, fresh] = slot.emplace(key, groups.size());
       if (fresh) groups.push_back(FiledKey{key, {}});

@@ -29,7 +29,8 @@ struct FiledKey {
 
 /// The paths of the active document grouped by key - the layer's name, or
 /// the name of the path's stroke colour ("None" for a path without one) -
-/// keys in order of their first path, paths in drawing order.
+/// keys in order of their first path, paths in drawing order. Paths without
+/// components have nothing to cut and stay out.
 std::vector<FiledKey> GroupPaths(FileBy by);
 
 /// Makes a RefMap table, files every group's paths under its key marked for

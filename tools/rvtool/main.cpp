@@ -7,6 +7,7 @@
 
 #include "commands.h"
 #include "failure.h"
+#include "plot_options.h"
 #include "progress.h"
 #include "rvdataaccess.h"
 
@@ -41,6 +42,9 @@ int main(int argc, char** argv) {
   infoCommand->add_option("--unit", info.unit, "Millimetres per unit of the file")
       ->default_val(rvtool::kPlotterStep)
       ->check(CLI::PositiveNumber);
+
+  rvtool::PlotOptions plot;
+  CLI::App* plotCommand = rvtool::AddPlotCommand(app, plot);
 
   rvtool::RenderOptions render;
   CLI::App* renderCommand =
@@ -78,6 +82,10 @@ int main(int argc, char** argv) {
   rvtool::InstallInterruptHandler();
   try {
     if (infoCommand->parsed()) return rvtool::RunInfo(info, std::cout);
+    if (plotCommand->parsed()) {
+      rvtool::FinishPlotOptions(plot);
+      return rvtool::RunPlot(plot, std::cout);
+    }
     if (renderCommand->parsed()) return rvtool::RunRender(render, std::cout);
   } catch (const rvtool::Failure& failure) {
     std::cout.flush();

@@ -134,7 +134,7 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
       ->type_name("[KEY=]NAME");
 
   plot->add_option("--dialect", o.dialect, "Command dialect, by name or 0 to 6")
-      ->transform(CLI::CheckedTransformer(kDialects, CLI::ignore_case))
+      ->transform(CLI::CheckedTransformer(kDialects, CLI::ignore_case).description(""))
       ->type_name(Join(kDialects))
       ->default_str("hpgl-pen");
   plot->add_option("--class", o.plotterClass,
@@ -162,7 +162,7 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   plot->add_flag("--sort", o.sort, "Sort the paths into a cut order: inner shapes before outer ones");
   plot->add_flag("--sort-per-key", o.sortPerOrder, "With --sort: sort and write one key at a time");
   plot->add_option("--curves", o.curves, "How curves leave: lines, arcs or splines")
-      ->transform(CLI::CheckedTransformer(kCurves, CLI::ignore_case))
+      ->transform(CLI::CheckedTransformer(kCurves, CLI::ignore_case).description(""))
       ->type_name(Join(kCurves))
       ->default_str("lines");
   plot->add_flag("--optimize-start", o.optimizeStart,
