@@ -84,6 +84,11 @@ TEST(ToolPlot, MediaOfAConditionFileWritesItsPasses) {
   // A tool mapped to another pen.
   EXPECT_EQ(Plot({"--csv", Sample("media.csv"), "--media", "Paper", "--tool-pen", "3=7"}, dir),
             "SP7;VS40,7;ZF30,7;ZO0.15;" + kSquarePath + "PU;");
+  // Repeatable options take one value each, so the file may follow them.
+  const auto run = RunTool({"plot", "--csv", Sample("media.csv"), "--media", "Paper", "--tool-pen", "1=2",
+                            "--tool-pen", "3=8", Sample("square.plt"), "-o", dir.file("late.rvl")});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(rvtest::ReadFile(dir.file("late.rvl")), "SP8;VS40,8;ZF30,8;ZO0.15;" + kSquarePath + "PU;");
 }
 
 TEST(ToolPlot, JobOfTheSignReadsBackAsAPicture) {

@@ -131,7 +131,8 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
       ->type_name("N|NAME");
   plot->add_option("--media", o.media,
                    "Media of the paths: NAME for all, KEY=NAME for the paths of one key (repeatable)")
-      ->type_name("[KEY=]NAME");
+      ->type_name("[KEY=]NAME")
+      ->allow_extra_args(false);
 
   plot->add_option("--dialect", o.dialect, "Command dialect, by name or 0 to 6")
       ->transform(CLI::CheckedTransformer(kDialects, CLI::ignore_case).description(""))
@@ -185,7 +186,8 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   plot->add_option("--offset", o.offset, "Blade offset where a condition has none, and of the frame")
       ->capture_default_str();
   plot->add_option("--tool-pen", o.toolPens, "Pen of a condition's tool: TOOL=PEN (repeatable, 40 at most)")
-      ->type_name("TOOL=PEN");
+      ->type_name("TOOL=PEN")
+      ->allow_extra_args(false);
   return plot;
 }
 
