@@ -1,0 +1,53 @@
+// Reading a drawing of the library through the public API: the document that
+// a command works on, its layers, and the paths below them in drawing order.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "rvdataaccess.h"
+
+namespace rvtool {
+
+/// Owns one document of the library's store and deletes it when it goes.
+class Document {
+ public:
+  /// Takes the document at `index` (negative: none).
+  explicit Document(int16_t index) : m_index(index) {}
+  ~Document();
+  Document(Document&& other) noexcept : m_index(other.m_index) { other.m_index = -1; }
+  Document& operator=(Document&&) = delete;
+  Document(const Document&) = delete;
+  Document& operator=(const Document&) = delete;
+
+  int16_t index() const { return m_index; }
+  /// Makes this document the active one.
+  void Activate() const;
+
+ private:
+  int16_t m_index;
+};
+
+/// The plot-file formats that the tool reads, by the library's importers.
+/// Imports FILE into a new document. `unitScale` is millimetres per plotter
+/// unit (0.0: the plotter's 0.025). Throws Failure.
+Document ImportDrawing(const std::string& path, double unitScale);
+
+/// The layers of the active document in list order.
+std::vector<void*> Layers();
+/// The name of a layer.
+std::string LayerName(void* layer);
+/// Calls `visit` for every path (type 4) below `art`, depth first, in drawing
+/// order; groups and compounds are entered, paths are not.
+void ForEachPath(void* art, const std::function<void(void*)>& visit);
+/// The components (Beziers, arcs, splines) of a path in order.
+std::vector<void*> Components(void* path);
+/// The type number of an art.
+int16_t ArtType(void* art);
+
+/// Throws a Failure for a failed read of the drawing.
+void CheckRead(uint32_t code);
+
+}  // namespace rvtool
