@@ -585,7 +585,9 @@ RV_API uint32_t RvGiReverseBezierPoint(void* art);
  *  anchor with out = anchor, and the start's in handle is kept as the start-in
  *  point. Index 0 changes nothing. */
 RV_API uint32_t RvGiSortBezierPoint(void* art, int32_t index, int32_t closed);
-/** Sets the in handle of the start of a closed Bezier. */
+/** Sets the in handle of the start of a closed Bezier. Until it is set, a
+ *  closed Bezier's start takes the in handle of its last record (which
+ *  repeats the start), so a sort of an imported shape keeps its outline. */
 RV_API uint32_t RvGiSetBezierStartInPoint(void* art, const RVPOINT* point);
 
 /** Whether a path runs clockwise, as the host or importer set it. */
@@ -942,8 +944,10 @@ RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPL
  *  - The condition that doubleCreasePass adds for a "CRE" art is removed
  *    again also when writing the art fails.
  *  - The inside pass of the unsorted route takes the closed paths of the
- *    main table; a group or compound filed there isn't a path and takes no
- *    part (the sorted route judges the paths that the sort collected).
+ *    main table, the sorted route the arts that the sort collected. Only
+ *    paths whose first component is a Bezier are judged: a group or compound
+ *    filed there, or a path that starts with an arc or a spline (a circle of
+ *    a plot file), takes no part and is never tagged as inside.
  *  - A hatching or router range whose first or last index is unset (-1)
  *    writes nothing. A main table index that names no table throws
  *    std::out_of_range, as the RefMap table functions do.

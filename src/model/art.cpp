@@ -253,13 +253,21 @@ void CRvBezier::InsertPoint(int32_t i, const RVBEZIERPOINT& p) {
   }
 }
 
+RVPOINT CRvBezier::StartIn() const {
+  if (m_startInSet != 0 || m_points.empty()) return m_startIn;
+  return m_points.back().in;
+}
+
 void CRvBezier::Reverse() {
   if (m_points.size() < 2) return;
   if (m_startOutSet == 0) {
     m_startOut = m_points.front().out;
     m_startOutSet = 1;
   }
-  std::swap(m_startIn, m_startOut);
+  const RVPOINT startIn = StartIn();
+  m_startIn = m_startOut;
+  m_startOut = startIn;
+  m_startInSet = 1;
   std::reverse(m_points.begin(), m_points.end());
   for (RVBEZIERPOINT& p : m_points) std::swap(p.in, p.out);
 }
@@ -277,11 +285,11 @@ void CRvBezier::MakeFirst(int32_t index, bool closed) {
   }
   // The closed shape: drop the repeated start, giving the start its real
   // `in` handle back, rotate, then store the new start twice again.
-  m_points.front().in = m_startIn;
+  m_points.front().in = StartIn();
   if (m_points.size() > 1) m_points.pop_back();
   Rotate(index);
   const RVBEZIERPOINT p = m_points.front();
-  m_startIn = p.in;
+  SetStartIn(p.in);
   RVBEZIERPOINT last = p;
   last.out = p.anchor;
   m_points.push_back(last);

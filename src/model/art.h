@@ -298,10 +298,20 @@ class CRvBezier : public CRvPathComponent {
   void SetPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags = f; }
   void OrPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags |= f; }
 
+  /// The `in` handle of the start of a closed curve. Until it is set (or
+  /// moved by a sort or reversal) it is the `in` handle of the last record,
+  /// which repeats the start.
+  RVPOINT StartIn() const;
+  void SetStartIn(const RVPOINT& p) {
+    m_startIn = p;
+    m_startInSet = 1;
+  }
+
   std::vector<RVBEZIERPOINT> m_points;
-  RVPOINT m_startIn{};   // `in` handle of the start of a closed curve
+  RVPOINT m_startIn{};   // `in` handle of the start of a closed curve, once set
   RVPOINT m_startOut{};  // the value that m_startIn takes on reversal
   int m_startOutSet = 0;
+  int m_startInSet = 0;
 };
 
 class CRvArc : public CRvPathComponent {

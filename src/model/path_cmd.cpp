@@ -133,7 +133,7 @@ void CRvPathCmd::RotateBezierPoint(CRvArt* art, int32_t index) const {
 }
 
 void CRvPathCmd::SetBezierStartInPoint(CRvArt* art, const RVPOINT& point) const {
-  NeedKind<CRvBezier>(art, kArtBezier).m_startIn = point;
+  NeedKind<CRvBezier>(art, kArtBezier).SetStartIn(point);
 }
 
 // ---------------------------------------------------------------- internal access

@@ -258,6 +258,14 @@ void CRvRVLFormat::StartPointPass(CRvArt* art) {
 }
 
 void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list) {
+  // Only shapes whose outline is a Bezier can be judged: a group or compound,
+  // or a path that starts with an arc or spline, takes no part.
+  std::erase_if(list, [](const RVINSIDEPATH& e) {
+    const CRvArt* art = ArtOf(e.art);
+    if (art->GetType() != kArtPath) return true;
+    const CRvArt* first = art->GetChild(0);
+    return first == nullptr || first->GetType() != kArtBezier;
+  });
   // Largest area first (the order of the exchange sort, equal areas kept),
   // then the nesting parity; JudgeInsideOutside gives exactly that.
   JudgeInsideOutside(list, m_param.swapInsideOutside != 0);

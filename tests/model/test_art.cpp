@@ -197,7 +197,7 @@ TEST(ArtTree, CopiesFollowTheCopyingRules) {
 
   CRvBezier bez;
   bez.AddPoint(Anchor(1, 1));
-  bez.m_startIn = RVPOINT{5, 6};
+  bez.SetStartIn(RVPOINT{5, 6});
   bez.m_startOutSet = 1;
   auto bcopy = CopyArt(bez);
   auto* b2 = static_cast<CRvBezier*>(bcopy.get());

@@ -360,6 +360,17 @@ TEST_F(Drawing, SortingAClosedCurveKeepsTheClosedShape) {
   EXPECT_EQ(p[3].out.x, 5.0) << "last record: out = anchor";
   EXPECT_EQ(static_cast<rv::CRvBezier*>(bez)->m_startIn.x, 6.0);
 
+  // Without a start-in point the start's in handle is the one of the last
+  // record, which repeats the start: the outline survives the sort.
+  void* unset = Art(2, 3, nullptr);
+  for (const RVBEZIERPOINT* q : {&a0, &b, &c, &a1}) ASSERT_EQ(RvGiSetBezierPoint(unset, q), 0u);
+  ASSERT_EQ(RvGiSortBezierPoint(unset, 1, 1), 0u);  // B A... : A moves to index 2
+  EXPECT_EQ(AnchorsX(unset), (std::vector<double>{10, 5, 0, 10}));
+  RVBEZIERPOINT moved{};
+  ASSERT_EQ(RvGiGetBezierPoint(unset, 2, &moved), 0u);
+  EXPECT_EQ(moved.in.x, -1.0);
+  EXPECT_EQ(moved.in.y, -1.0);
+
   // Index 0 and open curves only rotate.
   ASSERT_EQ(RvGiSortBezierPoint(bez, 0, 1), 0u);
   EXPECT_EQ(AnchorsX(bez), (std::vector<double>{5, 0, 10, 5}));

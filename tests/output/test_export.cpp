@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "conditions/cut_cdn_mng.h"
+#include "frame/frame.h"
+#include "model/data_access.h"
 #include "export_fixture.h"
 
 namespace {
@@ -505,6 +507,42 @@ TEST_F(ExportTest, InsidePassTagsTheMiddleOfThreeNestedArts) {
   EXPECT_EQ(RvGiGetArtTag(middle, "RivlenKerflowInsidePathTag", value), 0u);
   EXPECT_NE(RvGiGetArtTag(inner, "RivlenKerflowInsidePathTag", value), 0u);
   EXPECT_NE(RvGiGetArtTag(apart, "RivlenKerflowInsidePathTag", value), 0u);
+}
+
+TEST_F(ExportTest, ShapesThatStartWithAnArcOrAreGroupsAreNotJudged) {
+  // A circle of a plot file is a path whose only component is an arc; it
+  // takes no part in the inside pass and doesn't fail the export (the job
+  // writer draws Bezier components only). A group filed in the sorted route
+  // isn't judged either.
+  void* square = AddPath({{0, 0}, {0, 10}, {10, 10}, {10, 0}, {0, 0}}, true, "A");
+  void* circle = nullptr;
+  ASSERT_EQ(RvGiCreateArt(4, 5, m_layer, &circle), 0u);
+  void* arc = nullptr;
+  ASSERT_EQ(RvGiCreateArt(5, 5, circle, &arc), 0u);
+  const RVARCPOINT full{{7, 5}, {7, 5}, {5, 5}, 360.0, 1};
+  ASSERT_EQ(rv::Guard([&] { rv::CRvDataAccess::Instance().AddArcPoint(rv::ArtOf(arc), full); }), 0u);
+  ASSERT_EQ(RvGiSetPathClosed(circle, 1), 0u);
+  ASSERT_EQ(RvGiSetPathAttrFlag(circle, 2), 0u);
+  const RVRECT box = Rect(3, 3, 7, 7);
+  ASSERT_EQ(RvGiSetBoundingBox(circle, &box), 0u);
+  ASSERT_EQ(RvGiAddRefMapData(m_map, "B", 2, circle), 0u);
+  void* group = nullptr;
+  ASSERT_EQ(RvGiCreateArt(1, 5, m_layer, &group), 0u);
+  ASSERT_EQ(RvGiSetPathAttrFlag(group, 2), 0u);
+  ASSERT_EQ(RvGiAddRefMapData(m_map, "C", 2, group), 0u);
+  // Class 1 writes x before y; the circle's art writes only its "PU;" and
+  // the group, holding no path, nothing. Sorted by bounds the circle, which
+  // lies inside the square's box, comes first.
+  const std::string squareJob = "PU0.00,0.00;PD0.00,0.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;"
+                                "PD0.00,0.00;PD0.00,0.00;PU;";
+  char value[8];
+  for (int sorted : {0, 1}) {
+    RVPLOTPARAM param = Param(1, 0);
+    param.sortArts = sorted;
+    EXPECT_EQ(Export(param), sorted ? "PU;" + squareJob : squareJob + "PU;") << sorted;
+    EXPECT_NE(RvGiGetArtTag(circle, "RivlenKerflowInsidePathTag", value), 0u);
+    EXPECT_NE(RvGiGetArtTag(square, "RivlenKerflowInsidePathTag", value), 0u);
+  }
 }
 
 TEST_F(ExportTest, SortedByBlocksInClass0) {

@@ -1,5 +1,5 @@
 // Paths made ready for the cutter: one Bezier component per path, arcs as
-// Bezier pieces, the start-in handle of closed paths set.
+// Bezier pieces.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -87,22 +87,6 @@ TEST(ToolCutting, ComponentsJoinAtTheirSharedPoint) {
   ExpectPoint(points[6].anchor, 0, 0);
   // The old components are gone from the path; a second pass changes nothing.
   EXPECT_FALSE(rvtool::PrepareForCutting(path));
-}
-
-TEST(ToolCutting, ClosedPathsGetTheirStartInHandleSoAMovedStartStaysStraight) {
-  ApiDrawing drawing;
-  void* bezier = rvtool::Components(drawing.square)[0];
-  EXPECT_FALSE(rvtool::PrepareForCutting(drawing.square));
-  // Moving the start to point 2 re-creates the closing point from the
-  // start-in handle: it must be the corner itself, not the origin.
-  ASSERT_EQ(RvGiSortBezierPoint(bezier, 2, 1), 0u);
-  const auto points = Points(bezier);
-  ASSERT_EQ(points.size(), 5u);
-  ExpectPoint(points[0].anchor, 30, 30);
-  ExpectPoint(points[2].anchor, 10, 10);
-  ExpectPoint(points[2].in, 10, 10);
-  ExpectPoint(points[2].out, 10, 10);
-  ExpectPoint(points[4].anchor, 30, 30);
 }
 
 TEST(ToolCutting, EmptyPathsStayAndAreNotFiled) {

@@ -67,18 +67,7 @@ void AppendComponent(void* component, std::vector<RVBEZIERPOINT>& out) {
 
 bool PrepareForCutting(void* path) {
   const std::vector<void*> components = Components(path);
-  int32_t closed = 0;
-  Check(RvGiGetPathClosed(path, &closed), kPreparing, "");
-  if (components.size() == 1 && ArtType(components.front()) == kTypeBezier) {
-    int32_t count = 0;
-    Check(RvGiGetPathSegmentCount(components.front(), &count), kPreparing, "");
-    if (closed && count > 0) {
-      RVBEZIERPOINT last{};
-      Check(RvGiGetBezierPoint(components.front(), count - 1, &last), kPreparing, "");
-      Check(RvGiSetBezierStartInPoint(components.front(), &last.in), kPreparing, "");
-    }
-    return false;
-  }
+  if (components.size() == 1 && ArtType(components.front()) == kTypeBezier) return false;
   std::vector<RVBEZIERPOINT> points;
   for (void* component : components) AppendComponent(component, points);
   if (points.empty()) return false;
@@ -86,7 +75,6 @@ bool PrepareForCutting(void* path) {
   void* bezier = nullptr;
   Check(RvGiCreateArt(kTypeBezier, kFirstChild, path, &bezier), kPreparing, "");
   for (const RVBEZIERPOINT& p : points) Check(RvGiAddBezierPoint(bezier, &p), kPreparing, "");
-  if (closed) Check(RvGiSetBezierStartInPoint(bezier, &points.back().in), kPreparing, "");
   for (void* component : components) Check(RvGiDeleteArt(&component), kPreparing, "");
   return true;
 }

@@ -6,12 +6,6 @@
 // component per run of lines or arcs. So before a job each path becomes one
 // Bezier component, as a host of the library does: arcs turn into Bezier
 // pieces (RvMiArcToCurves), splines into straight Bezier points.
-//
-// A closed Bezier keeps the handle that arrives at its start apart, as its
-// start-in point; moving the start of a closed path (the start-point choice of
-// the export) puts it back on the curve. An import leaves that point unset, at
-// the origin, which would bend the closing curve of a moved start towards the
-// origin: so every closed path gets it here, from its last point.
 #pragma once
 
 namespace rvtool {
@@ -20,8 +14,8 @@ namespace rvtool {
 /// through all of them in order; where two components meet, their shared
 /// point (within 0.001 mm) is kept once, with the handle that arrives and the
 /// handle that leaves. A path that already is one Bezier, or that has no
-/// points, keeps its components. A closed path's Bezier gets its start-in
-/// point. Returns whether the components changed. Throws Failure.
+/// points, keeps its components. Returns whether the components changed.
+/// Throws Failure.
 bool PrepareForCutting(void* path);
 
 /// PrepareForCutting for every path of the active document; returns the
