@@ -45,33 +45,42 @@ struct BuiltCondition {
   }
 };
 
+/// The coating and the laser fields, from a record to a file record or back.
+void CopyCoating(CondRecord& to, const CondRecord& from) {
+  CopyField(to.InkName, from.InkName);
+  CopyField(to.MediaType, from.MediaType);
+  to.MediaThickness = from.MediaThickness;
+  CopyField(to.NozzleType, from.NozzleType);
+  to.CoatingThickness = from.CoatingThickness;
+  to.Gap = from.Gap;
+  CopyField(to.NozzleRotation, from.NozzleRotation);
+  to.FlowRate = from.FlowRate;
+  to.AtomizationPress = from.AtomizationPress;
+  to.CoatingSpeed = from.CoatingSpeed;
+  to.Pitch = from.Pitch;
+  to.SpeedAdjust = from.SpeedAdjust;
+  to.PitchAdjust = from.PitchAdjust;
+  to.CoatingFillDirection = from.CoatingFillDirection;
+  to.MisalignmentCorrect = from.MisalignmentCorrect;
+  to.CoatingJoinLimit = from.CoatingJoinLimit;
+  to.CoatingFillOffset = from.CoatingFillOffset;
+}
+
+void CopyLaser(CondRecord& to, const CondRecord& from) {
+  to.LaserSpeed = from.LaserSpeed;
+  to.LaserPower = from.LaserPower;
+  to.LaserFreq = from.LaserFreq;
+  CopyField(to.LaserDpi, from.LaserDpi);
+}
+
 /// Conversion of a read file record into a condition of the table.
 void Convert(uint16_t machineType, const CondFileRecord& f, bool import, bool renameTools, bool& millingOn,
              int32_t pass, BuiltCondition& out) {
   CondRecord& r = out.record;
   if (IsCoatingFamily(machineType)) {
-    CopyField(r.InkName, f.InkName);
-    CopyField(r.MediaType, f.MediaType);
-    r.MediaThickness = f.MediaThickness;
-    CopyField(r.NozzleType, f.NozzleType);
-    r.CoatingThickness = f.CoatingThickness;
-    r.Gap = f.Gap;
-    CopyField(r.NozzleRotation, f.NozzleRotation);
-    r.FlowRate = f.FlowRate;
-    r.AtomizationPress = f.AtomizationPress;
-    r.CoatingSpeed = f.CoatingSpeed;
-    r.Pitch = f.Pitch;
-    r.SpeedAdjust = f.SpeedAdjust;
-    r.PitchAdjust = f.PitchAdjust;
-    r.CoatingFillDirection = f.CoatingFillDirection;
-    r.MisalignmentCorrect = f.MisalignmentCorrect;
-    r.CoatingJoinLimit = f.CoatingJoinLimit;
-    r.CoatingFillOffset = f.CoatingFillOffset;
+    CopyCoating(r, f);
   } else if (IsLaserFamily(machineType)) {
-    r.LaserSpeed = f.LaserSpeed;
-    r.LaserPower = f.LaserPower;
-    r.LaserFreq = f.LaserFreq;
-    CopyField(r.LaserDpi, f.LaserDpi);
+    CopyLaser(r, f);
   } else if (IsMillingFamily(machineType)) {
     r.WDZUnit = f.WDZUnit;
     CopyField(r.Tool, f.Tool);
@@ -133,28 +142,9 @@ void FillFileRecord(uint16_t machineType, const std::string& name, const CondRec
   f.Press = -1;
   f.Offset = -1.0;
   if (IsCoatingFamily(machineType)) {
-    CopyField(f.InkName, r.InkName);
-    CopyField(f.MediaType, r.MediaType);
-    f.MediaThickness = r.MediaThickness;
-    CopyField(f.NozzleType, r.NozzleType);
-    f.CoatingThickness = r.CoatingThickness;
-    f.Gap = r.Gap;
-    CopyField(f.NozzleRotation, r.NozzleRotation);
-    f.FlowRate = r.FlowRate;
-    f.AtomizationPress = r.AtomizationPress;
-    f.CoatingSpeed = r.CoatingSpeed;
-    f.Pitch = r.Pitch;
-    f.SpeedAdjust = r.SpeedAdjust;
-    f.PitchAdjust = r.PitchAdjust;
-    f.CoatingFillDirection = r.CoatingFillDirection;
-    f.MisalignmentCorrect = r.MisalignmentCorrect;
-    f.CoatingJoinLimit = r.CoatingJoinLimit;
-    f.CoatingFillOffset = r.CoatingFillOffset;
+    CopyCoating(f, r);
   } else if (IsLaserFamily(machineType)) {
-    f.LaserSpeed = r.LaserSpeed;
-    f.LaserPower = r.LaserPower;
-    f.LaserFreq = r.LaserFreq;
-    CopyField(f.LaserDpi, r.LaserDpi);
+    CopyLaser(f, r);
   } else if (IsMillingFamily(machineType)) {
     MillingExtension m{};
     if (form == ExtensionForm::Milling && extension != nullptr) {

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <cwchar>
+#include <type_traits>
 #include <vector>
 
 #include "frame/frame.h"
@@ -127,7 +128,7 @@ void Scan(const std::wstring& t, double& v) {
   double x = v;
   if (std::swscanf(t.c_str(), L"%lf", &x) == 1) v = x;
 }
-void ScanTheta(const std::wstring& t, ThetaExtension& th) {
+void Scan(const std::wstring& t, ThetaExtension& th) {
   int a = th.Available;
   double d[6];
   std::memcpy(d, th.values, sizeof d);
@@ -136,22 +137,66 @@ void ScanTheta(const std::wstring& t, ThetaExtension& th) {
   th.Available = a;
   std::memcpy(th.values, d, sizeof d);
 }
-void ScanDivideCut(const std::wstring& t, DivideCutRecord& dc) {
+void Scan(const std::wstring& t, DivideCutRecord& dc) {
   int a = dc.Available, kind = dc.divideKind, side = dc.divideSide;
   double minLength = dc.minLength, limitAngle = dc.limitAngle, joint = dc.jointLength;
   std::swscanf(t.c_str(), L"Available=%d,[%d][%lf][%lf][%d][%lf]", &a, &kind, &minLength, &limitAngle, &side,
                &joint);
   dc = DivideCutRecord{a, kind, minLength, limitAngle, side, joint};
 }
+template <std::size_t N>
+void Scan(const std::wstring& t, char (&field)[N]) {
+  SetField(field, t);
+}
+
+struct CoatingWord {
+  const wchar_t* text;
+  double value;
+};
+constexpr CoatingWord kCoatingWords[] = {
+    {L"<Thick>", 30.0}, {L"<Slightly Thick>", 25.0}, {L"<Normal>", 20.0}, {L"<Slightly Thin>", 15.0}, {L"<Thin>", 10.0},
+};
+
+double CoatingWordValue(const std::wstring& word) {
+  for (const CoatingWord& w : kCoatingWords) {
+    if (word == w.text) return w.value;
+  }
+  Raise(kMissing);
+}
 
 // ---- element access -----------------------------------------------------
 
-/// Reads the elements of one parent; every element asked for is required
-/// and must have a non-empty text.
+/// What an element's text form is where its field's type doesn't say it all.
+enum class Form {
+  Plain,
+  Int,       // an int32 written whole; the other int32 fields are written as shorts
+  Word,      // one of kCoatingWords in version 1.00
+  Since200,  // not in version 1.00, where it reads as 0.1
+};
+
+/// Reads elements of one parent into fields; every element asked for is
+/// required and must have a non-empty text.
 class Reader {
  public:
-  Reader(DOMTree& tree, DOMNode parent) : m_tree(tree), m_parent(parent) {}
+  Reader(DOMTree& tree, DOMNode parent, bool version100 = false)
+      : m_tree(tree), m_parent(parent), m_version100(version100) {}
 
+  template <class T>
+  void operator()(const wchar_t* name, T& field, Form form = Form::Plain) {
+    if constexpr (std::is_same_v<T, double>) {
+      if (m_version100 && form == Form::Since200) {
+        field = 0.1;
+        return;
+      }
+      if (m_version100 && form == Form::Word) {
+        field = CoatingWordValue(Text(name));
+        return;
+      }
+    }
+    Scan(Text(name), field);
+  }
+
+ private:
   std::wstring Text(const wchar_t* name) {
     DOMNode node = nullptr;
     Check(m_tree.GetElementAt(m_parent, name, 0, &node));
@@ -161,40 +206,126 @@ class Reader {
     if (text.size() > kMaxTextChars) text.resize(kMaxTextChars);
     return text;
   }
-  template <class T>
-  void Number(const wchar_t* name, T& value) {
-    Scan(Text(name), value);
-  }
-  template <std::size_t N>
-  void Field(const wchar_t* name, char (&field)[N]) {
-    SetField(field, Text(name));
-  }
 
- private:
   DOMTree& m_tree;
   DOMNode m_parent;
+  bool m_version100;
 };
 
+/// Appends elements with the texts of fields to one parent.
 class Writer {
  public:
   Writer(DOMTree& tree, DOMNode parent) : m_tree(tree), m_parent(parent) {}
+
+  template <std::size_t N>
+  void operator()(const wchar_t* name, const char (&field)[N], Form = Form::Plain) {
+    Add(name, FieldWide(field));
+  }
+  void operator()(const wchar_t* name, int16_t v, Form = Form::Plain) { Add(name, Short(v)); }
+  void operator()(const wchar_t* name, int32_t v, Form form = Form::Plain) {
+    Add(name, form == Form::Int ? Int(v) : Short(int16_t(v)));
+  }
+  void operator()(const wchar_t* name, double v, Form = Form::Plain) { Add(name, Real(v)); }
+  void operator()(const wchar_t* name, const ThetaExtension& t, Form = Form::Plain) { Add(name, ThetaText(t)); }
+  void operator()(const wchar_t* name, const DivideCutRecord& d, Form = Form::Plain) { Add(name, DivideCutText(d)); }
+
+ private:
   void Add(const wchar_t* name, const std::wstring& text) {
     DOMNode node = nullptr;
     Check(m_tree.CreateChild(m_parent, name, text.c_str(), &node));
   }
 
- private:
   DOMTree& m_tree;
   DOMNode m_parent;
 };
 
-struct CoatingWord {
-  const wchar_t* text;
-  double value;
-};
-constexpr CoatingWord kCoatingWords[] = {
-    {L"<Thick>", 30.0}, {L"<Slightly Thick>", 25.0}, {L"<Normal>", 20.0}, {L"<Slightly Thin>", 15.0}, {L"<Thin>", 10.0},
-};
+/// The elements of a condition in file order: visit(name, field[, form]) for
+/// each. Reading and writing both walk here.
+template <class Record, class Visit>
+void ForEachElement(ElementSet set, bool divideCut, Record& r, Visit&& visit) {
+  switch (set) {
+    case ElementSet::Cutting:
+    case ElementSet::CuttingDecimal:
+      visit(L"Tool", r.Tool);
+      if (set == ElementSet::CuttingDecimal) {
+        visit(L"Speed", r.SpeedDecimal);
+      } else {
+        visit(L"Speed", r.Speed);
+      }
+      visit(L"Press", r.Press);
+      visit(L"Offset", r.Offset);
+      visit(L"Theta", r.Theta);
+      if (divideCut) visit(L"DivideCut", r.DivideCut);
+      break;
+    case ElementSet::WDZ:
+      visit(L"WDZUnit", r.WDZUnit);
+      visit(L"Tool", r.Tool);
+      visit(L"Speed", r.SpeedDecimal);
+      visit(L"ZPosition", r.ZPosition);
+      visit(L"Press", r.Press);
+      visit(L"VCutType", r.VCutType, Form::Int);
+      visit(L"VCutOffset", r.VCutOffset);
+      visit(L"Theta", r.Theta);
+      if (divideCut) visit(L"DivideCut", r.DivideCut);
+      break;
+    case ElementSet::WDZK:
+      visit(L"WDZUnit", r.WDZUnit);
+      visit(L"Tool", r.Tool);
+      visit(L"Speed", r.SpeedDecimal);
+      visit(L"ZSpeed", r.ZSpeed);
+      visit(L"ZPosition", r.ZPosition);
+      visit(L"CutDirection", r.CutDirection);
+      visit(L"Rpm", r.Rpm);
+      visit(L"Milling", r.Milling);
+      break;
+    case ElementSet::WD3K:
+      visit(L"Tool", r.Tool);
+      visit(L"CutDirection", r.CutDirection);
+      visit(L"Speed", r.SpeedDecimal);
+      visit(L"Rpm", r.Rpm);
+      visit(L"CuttingDepth", r.CuttingDepth);
+      visit(L"ZSpeed", r.ZSpeed);
+      visit(L"Milling", r.Milling);
+      break;
+    case ElementSet::Coating:
+      visit(L"InkName", r.InkName);
+      visit(L"MediaType", r.MediaType);
+      visit(L"MediaThickness", r.MediaThickness);
+      visit(L"NozzleType", r.NozzleType);
+      visit(L"CoatingThickness", r.CoatingThickness, Form::Word);
+      visit(L"Gap", r.Gap);
+      visit(L"NozzleRotation", r.NozzleRotation);
+      visit(L"FlowRate", r.FlowRate);
+      visit(L"AtomizationPress", r.AtomizationPress, Form::Since200);
+      visit(L"Speed", r.CoatingSpeed);
+      visit(L"Pitch", r.Pitch);
+      visit(L"SpeedAdjust", r.SpeedAdjust);
+      visit(L"PitchAdjust", r.PitchAdjust);
+      visit(L"CoatingFillDirection", r.CoatingFillDirection);
+      visit(L"MisalignmentCorrect", r.MisalignmentCorrect);
+      visit(L"CoatingJoinLimit", r.CoatingJoinLimit);
+      visit(L"CoatingFillOffset", r.CoatingFillOffset);
+      break;
+    case ElementSet::SOVE:
+    case ElementSet::SOPI:
+      visit(L"LaserSpeed", r.LaserSpeed);
+      visit(L"LaserPower", r.LaserPower);
+      if (set == ElementSet::SOVE) {
+        visit(L"LaserFreq", r.LaserFreq);
+      } else {
+        visit(L"LaserDpi", r.LaserDpi);
+      }
+      break;
+  }
+}
+
+/// The root of the document and the rules of its name.
+RootRules RulesOfRoot(DOMTree& tree, DOMNode* root) {
+  Check(tree.GetRoot(root));
+  std::wstring name;
+  Check(tree.GetNodeName(*root, &name));
+  return RulesOf(name);
+}
 
 struct FavoriteFormat {
   const wchar_t* list;
@@ -294,127 +425,27 @@ uint32_t CRvXMLAccess::GetPassCount(int32_t mediaIndex, int32_t* count) {
 uint32_t CRvXMLAccess::ReadCondition(int32_t mediaIndex, int32_t pass, CondFileRecord* record) {
   return Guard([&] {
     DOMNode root = nullptr, media = nullptr, condition = nullptr;
-    Check(m_tree.GetRoot(&root));
-    std::wstring rootName;
-    Check(m_tree.GetNodeName(root, &rootName));
-    const RootRules rules = RulesOf(rootName);
+    const RootRules rules = RulesOfRoot(m_tree, &root);
     CondFileRecord& r = *record;
 
     Check(m_tree.GetElementAt(root, L"CutCondition", mediaIndex, &media));
-    Reader mediaReader(m_tree, media);
-    mediaReader.Field(L"Name", r.Name);
-    if (rules.hasThickness) mediaReader.Number(L"Thickness", r.Thickness);
+    Reader head(m_tree, media);
+    head(L"Name", r.Name);
+    if (rules.hasThickness) head(L"Thickness", r.Thickness);
 
     Check(m_tree.GetElementAt(media, L"Condition", pass, &condition));
-    Reader in(m_tree, condition);
-    switch (rules.set) {
-      case ElementSet::Cutting:
-      case ElementSet::CuttingDecimal:
-        in.Field(L"Tool", r.Tool);
-        if (rules.set == ElementSet::CuttingDecimal) {
-          in.Number(L"Speed", r.SpeedDecimal);
-        } else {
-          in.Number(L"Speed", r.Speed);
-        }
-        in.Number(L"Press", r.Press);
-        in.Number(L"Offset", r.Offset);
-        ScanTheta(in.Text(L"Theta"), r.Theta);
-        if (rules.writesDivideCut && (!rules.divideCutByVersion || m_version == L"2.00")) {
-          ScanDivideCut(in.Text(L"DivideCut"), r.DivideCut);
-        } else {
-          r.DivideCut = kDefaultDivideCut;
-        }
-        break;
-      case ElementSet::WDZ:
-        in.Number(L"WDZUnit", r.WDZUnit);
-        in.Field(L"Tool", r.Tool);
-        in.Number(L"Speed", r.SpeedDecimal);
-        in.Number(L"ZPosition", r.ZPosition);
-        in.Number(L"Press", r.Press);
-        in.Number(L"VCutType", r.VCutType);
-        in.Number(L"VCutOffset", r.VCutOffset);
-        ScanTheta(in.Text(L"Theta"), r.Theta);
-        ScanDivideCut(in.Text(L"DivideCut"), r.DivideCut);
-        break;
-      case ElementSet::WDZK:
-        in.Number(L"WDZUnit", r.WDZUnit);
-        in.Field(L"Tool", r.Tool);
-        in.Number(L"Speed", r.SpeedDecimal);
-        in.Number(L"ZSpeed", r.ZSpeed);
-        in.Number(L"ZPosition", r.ZPosition);
-        in.Number(L"CutDirection", r.CutDirection);
-        in.Number(L"Rpm", r.Rpm);
-        in.Number(L"Milling", r.Milling);
-        r.DivideCut = kDefaultDivideCut;
-        break;
-      case ElementSet::WD3K:
-        in.Field(L"Tool", r.Tool);
-        in.Number(L"CutDirection", r.CutDirection);
-        in.Number(L"Speed", r.SpeedDecimal);
-        in.Number(L"Rpm", r.Rpm);
-        in.Number(L"CuttingDepth", r.CuttingDepth);
-        in.Number(L"ZSpeed", r.ZSpeed);
-        in.Number(L"Milling", r.Milling);
-        r.DivideCut = kDefaultDivideCut;
-        break;
-      case ElementSet::Coating: {
-        const bool first = m_version == L"1.00";
-        in.Field(L"InkName", r.InkName);
-        in.Field(L"MediaType", r.MediaType);
-        in.Number(L"MediaThickness", r.MediaThickness);
-        in.Field(L"NozzleType", r.NozzleType);
-        if (first) {
-          std::wstring word = in.Text(L"CoatingThickness");
-          bool known = false;
-          for (const CoatingWord& w : kCoatingWords) {
-            if (word == w.text) {
-              r.CoatingThickness = w.value;
-              known = true;
-            }
-          }
-          if (!known) Raise(kMissing);
-        } else {
-          in.Number(L"CoatingThickness", r.CoatingThickness);
-        }
-        in.Number(L"Gap", r.Gap);
-        in.Field(L"NozzleRotation", r.NozzleRotation);
-        in.Number(L"FlowRate", r.FlowRate);
-        if (first) {
-          r.AtomizationPress = 0.1;
-        } else {
-          in.Number(L"AtomizationPress", r.AtomizationPress);
-        }
-        in.Number(L"Speed", r.CoatingSpeed);
-        in.Number(L"Pitch", r.Pitch);
-        in.Number(L"SpeedAdjust", r.SpeedAdjust);
-        in.Number(L"PitchAdjust", r.PitchAdjust);
-        in.Number(L"CoatingFillDirection", r.CoatingFillDirection);
-        in.Number(L"MisalignmentCorrect", r.MisalignmentCorrect);
-        in.Number(L"CoatingJoinLimit", r.CoatingJoinLimit);
-        in.Number(L"CoatingFillOffset", r.CoatingFillOffset);
-        break;
-      }
-      case ElementSet::SOVE:
-        in.Number(L"LaserSpeed", r.LaserSpeed);
-        in.Number(L"LaserPower", r.LaserPower);
-        in.Number(L"LaserFreq", r.LaserFreq);
-        break;
-      case ElementSet::SOPI:
-        in.Number(L"LaserSpeed", r.LaserSpeed);
-        in.Number(L"LaserPower", r.LaserPower);
-        in.Field(L"LaserDpi", r.LaserDpi);
-        break;
-    }
+    const bool divideCut = rules.writesDivideCut && (!rules.divideCutByVersion || m_version == L"2.00");
+    ForEachElement(rules.set, divideCut, r, Reader(m_tree, condition, m_version == L"1.00"));
+    // The cutting and milling sets come first: their records take the
+    // default DivideCut where the file has none.
+    if (!divideCut && rules.set < ElementSet::Coating) r.DivideCut = kDefaultDivideCut;
   });
 }
 
 uint32_t CRvXMLAccess::WriteCondition(int32_t mediaIndex, int32_t pass, const CondFileRecord& r) {
   return Guard([&] {
     DOMNode root = nullptr, media = nullptr, condition = nullptr;
-    Check(m_tree.GetRoot(&root));
-    std::wstring rootName;
-    Check(m_tree.GetNodeName(root, &rootName));
-    const RootRules rules = RulesOf(rootName);
+    const RootRules rules = RulesOfRoot(m_tree, &root);
 
     uint32_t code = m_tree.GetElementAt(root, L"CutCondition", mediaIndex, &media);
     if (code == kMissing) {
@@ -425,8 +456,8 @@ uint32_t CRvXMLAccess::WriteCondition(int32_t mediaIndex, int32_t pass, const Co
     }
     if (pass == 0) {
       Writer head(m_tree, media);
-      head.Add(L"Name", FieldWide(r.Name));
-      if (rules.hasThickness) head.Add(L"Thickness", Real(r.Thickness));
+      head(L"Name", r.Name);
+      if (rules.hasThickness) head(L"Thickness", r.Thickness);
     }
     code = m_tree.GetElementAt(media, L"Condition", pass, &condition);
     if (code == kMissing) {
@@ -435,78 +466,7 @@ uint32_t CRvXMLAccess::WriteCondition(int32_t mediaIndex, int32_t pass, const Co
       Check(code);
       Check(m_tree.InsertChildBefore(condition, L"Condition", nullptr, &condition));
     }
-
-    Writer out(m_tree, condition);
-    switch (rules.set) {
-      case ElementSet::Cutting:
-      case ElementSet::CuttingDecimal:
-        out.Add(L"Tool", FieldWide(r.Tool));
-        out.Add(L"Speed", rules.set == ElementSet::CuttingDecimal ? Real(r.SpeedDecimal) : Short(r.Speed));
-        out.Add(L"Press", Short(r.Press));
-        out.Add(L"Offset", Real(r.Offset));
-        out.Add(L"Theta", ThetaText(r.Theta));
-        if (rules.writesDivideCut) out.Add(L"DivideCut", DivideCutText(r.DivideCut));
-        break;
-      case ElementSet::WDZ:
-        out.Add(L"WDZUnit", Short(r.WDZUnit));
-        out.Add(L"Tool", FieldWide(r.Tool));
-        out.Add(L"Speed", Real(r.SpeedDecimal));
-        out.Add(L"ZPosition", Real(r.ZPosition));
-        out.Add(L"Press", Short(r.Press));
-        out.Add(L"VCutType", Int(r.VCutType));
-        out.Add(L"VCutOffset", Real(r.VCutOffset));
-        out.Add(L"Theta", ThetaText(r.Theta));
-        out.Add(L"DivideCut", DivideCutText(r.DivideCut));
-        break;
-      case ElementSet::WDZK:
-        out.Add(L"WDZUnit", Short(r.WDZUnit));
-        out.Add(L"Tool", FieldWide(r.Tool));
-        out.Add(L"Speed", Real(r.SpeedDecimal));
-        out.Add(L"ZSpeed", Short(r.ZSpeed));
-        out.Add(L"ZPosition", Real(r.ZPosition));
-        out.Add(L"CutDirection", Short(int16_t(r.CutDirection)));
-        out.Add(L"Rpm", Short(r.Rpm));
-        out.Add(L"Milling", Real(r.Milling));
-        break;
-      case ElementSet::WD3K:
-        out.Add(L"Tool", FieldWide(r.Tool));
-        out.Add(L"CutDirection", Short(int16_t(r.CutDirection)));
-        out.Add(L"Speed", Real(r.SpeedDecimal));
-        out.Add(L"Rpm", Short(r.Rpm));
-        out.Add(L"CuttingDepth", Real(r.CuttingDepth));
-        out.Add(L"ZSpeed", Short(r.ZSpeed));
-        out.Add(L"Milling", Real(r.Milling));
-        break;
-      case ElementSet::Coating:
-        out.Add(L"InkName", FieldWide(r.InkName));
-        out.Add(L"MediaType", FieldWide(r.MediaType));
-        out.Add(L"MediaThickness", Real(r.MediaThickness));
-        out.Add(L"NozzleType", FieldWide(r.NozzleType));
-        out.Add(L"CoatingThickness", Real(r.CoatingThickness));
-        out.Add(L"Gap", Real(r.Gap));
-        out.Add(L"NozzleRotation", FieldWide(r.NozzleRotation));
-        out.Add(L"FlowRate", Real(r.FlowRate));
-        out.Add(L"AtomizationPress", Real(r.AtomizationPress));
-        out.Add(L"Speed", Real(r.CoatingSpeed));
-        out.Add(L"Pitch", Real(r.Pitch));
-        out.Add(L"SpeedAdjust", Real(r.SpeedAdjust));
-        out.Add(L"PitchAdjust", Real(r.PitchAdjust));
-        out.Add(L"CoatingFillDirection", Short(int16_t(r.CoatingFillDirection)));
-        out.Add(L"MisalignmentCorrect", Real(r.MisalignmentCorrect));
-        out.Add(L"CoatingJoinLimit", Real(r.CoatingJoinLimit));
-        out.Add(L"CoatingFillOffset", Real(r.CoatingFillOffset));
-        break;
-      case ElementSet::SOVE:
-        out.Add(L"LaserSpeed", Real(r.LaserSpeed));
-        out.Add(L"LaserPower", Real(r.LaserPower));
-        out.Add(L"LaserFreq", Short(r.LaserFreq));
-        break;
-      case ElementSet::SOPI:
-        out.Add(L"LaserSpeed", Real(r.LaserSpeed));
-        out.Add(L"LaserPower", Real(r.LaserPower));
-        out.Add(L"LaserDpi", FieldWide(r.LaserDpi));
-        break;
-    }
+    ForEachElement(rules.set, rules.writesDivideCut, r, Writer(m_tree, condition));
   });
 }
 
@@ -554,9 +514,9 @@ uint32_t CRvXMLAccess::WriteFavorite(int32_t list, int32_t /*index*/, const Favo
     }
     Check(m_tree.CreateChild(listNode, f.entry, nullptr, &node));
     Writer out(m_tree, node);
-    out.Add(f.title, FieldWide(entry.title));
-    if (f.strokeTitle != nullptr) out.Add(f.strokeTitle, FieldWide(entry.strokeTitle));
-    out.Add(f.value, FieldWide(entry.value));
+    out(f.title, entry.title);
+    if (f.strokeTitle != nullptr) out(f.strokeTitle, entry.strokeTitle);
+    out(f.value, entry.value);
   });
 }
 

@@ -15,43 +15,12 @@
 
 namespace rv {
 
-/// The flat image of one pass between the manager and the file. A value that
-/// isn't set stands as -1 (or -1.0); Reset() makes every number so.
-struct CondFileRecord {
+/// The flat image of one pass between the manager and the file: the fields
+/// of the record (its has-flags unused) with the media name, the Theta and
+/// the milling values. A value that isn't set stands as -1 (or -1.0);
+/// Reset() makes every number so.
+struct CondFileRecord : CondRecord {
   char Name[RV_COND_NAME_SIZE];
-  char Tool[RV_COND_TOOL_SIZE];
-  int16_t Speed;
-  int16_t Press;
-  double Offset;
-  double Thickness;
-  double SpeedDecimal;
-  double LaserSpeed;
-  double LaserPower;
-  int16_t LaserFreq;
-  char LaserDpi[RV_COND_TEXT_SIZE];
-  int32_t CutDirection;
-  char InkName[RV_COND_TEXT_SIZE];
-  char MediaType[RV_COND_TEXT_SIZE];
-  double MediaThickness;
-  char NozzleType[RV_COND_TEXT_SIZE];
-  double CoatingThickness;
-  double Gap;
-  char NozzleRotation[RV_COND_TEXT_SIZE];
-  double FlowRate;
-  double AtomizationPress;
-  double CoatingSpeed;
-  double Pitch;
-  double SpeedAdjust;
-  double PitchAdjust;
-  int32_t CoatingFillDirection;
-  double MisalignmentCorrect;
-  double CoatingJoinLimit;
-  double CoatingFillOffset;
-  int16_t WDZUnit;
-  double ZPosition;
-  int32_t VCutType;
-  double VCutOffset;
-  DivideCutRecord DivideCut;
   ThetaExtension Theta;
   int16_t Rpm;
   double CuttingDepth;
