@@ -6,12 +6,28 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "rvdataaccess.h"
 #include "test_support.h"
 
+// Records are written with designated initializers: the fields left out are zero.
+#pragma GCC diagnostic ignored "-Wmissing-field-initializers"
+
 namespace condtest {
+
+using Names = std::vector<std::string>;
+constexpr const char* kDecl = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
+const uint32_t kNotInTable = 0x06001001u;
+const DivideCutRecord kDivideDefault{0, 0, 30.0, 30.0, 0, 10.0};
+
+/// A file of tests/data/conditions: the exact bytes that the library writes.
+inline std::string Golden(const std::string& name) {
+  std::string bytes = rvtest::ReadFile(std::string(RV_TEST_DATA_DIR) + "/conditions/" + name);
+  EXPECT_FALSE(bytes.empty()) << name;
+  return bytes;
+}
 
 /// A condition as the trace gives it back.
 struct Pass {
@@ -22,13 +38,7 @@ struct Pass {
 };
 
 inline int32_t CollectPass(void* ctx, const char* name, const CondPair* pair) {
-  auto* out = static_cast<std::vector<Pass>*>(ctx);
-  out->push_back(Pass{name, *pair->record, pair->extension, pair->record});
-  return 0;
-}
-
-inline int32_t CollectName(void* ctx, const char* name) {
-  static_cast<std::vector<std::string>*>(ctx)->push_back(name);
+  static_cast<std::vector<Pass>*>(ctx)->push_back(Pass{name, *pair->record, pair->extension, pair->record});
   return 0;
 }
 
@@ -38,127 +48,108 @@ inline std::vector<Pass> AllPasses() {
   return passes;
 }
 
-inline std::vector<std::string> MediaNames() {
-  std::vector<std::string> names;
+/// Every pass as "media:tool".
+inline Names Tools() {
+  Names tools;
+  for (const Pass& p : AllPasses()) tools.push_back(p.media + ":" + p.record.Tool);
+  return tools;
+}
+
+inline int32_t CollectName(void* ctx, const char* name) {
+  static_cast<Names*>(ctx)->push_back(name);
+  return 0;
+}
+
+inline Names MediaNames() {
+  Names names;
   EXPECT_EQ(RvGetMediaNameTrace(&names, CollectName), 0u);
   return names;
 }
 
-/// Empties the table and gives it the machine type, by loading a condition
-/// file that has only its root.
-inline void UseMachineType(uint16_t type, const char* root, const char* version) {
-  rvtest::TempDir dir;
-  std::string path = dir.file("empty.xml");
-  rvtest::WriteFile(path, std::string("<?xml version=\"1.0\" encoding=\"utf-8\"?><") + root + " version=\"" +
-                              version + "\"/>");
-  ASSERT_EQ(RvDeleteAllCutCondition(), 0u);
-  ASSERT_EQ(RvLoadCutCondition(type, path.c_str()), 0u);
-}
-
 inline CondRecord Cutting(const char* tool, int16_t speed, int16_t press, double offset) {
-  CondRecord r{};
+  CondRecord r{.hasSpeed = 1, .hasPress = 1, .hasOffset = 1, .Speed = speed, .Press = press, .Offset = offset};
   std::strncpy(r.Tool, tool, sizeof r.Tool - 1);
-  r.hasSpeed = r.hasPress = r.hasOffset = 1;
-  r.Speed = speed;
-  r.Press = press;
-  r.Offset = offset;
   return r;
 }
 
 /// Sets an environment variable for the life of the object.
-class ScopedEnv {
- public:
-  ScopedEnv(const char* name, const char* value) : m_name(name) {
-    if (const char* old = std::getenv(name)) m_old = old, m_had = true;
+struct ScopedEnv {
+  ScopedEnv(const char* name, const char* value) : name(name), had(std::getenv(name) != nullptr) {
+    if (had) old = std::getenv(name);
     setenv(name, value, 1);
   }
-  ~ScopedEnv() {
-    if (m_had) {
-      setenv(m_name.c_str(), m_old.c_str(), 1);
-    } else {
-      unsetenv(m_name.c_str());
-    }
-  }
-
- private:
-  std::string m_name, m_old;
-  bool m_had = false;
+  ~ScopedEnv() { had ? setenv(name.c_str(), old.c_str(), 1) : unsetenv(name.c_str()); }
+  std::string name, old;
+  bool had;
 };
 
-/// Field-by-field comparison with a readable report.
+/// Field-by-field comparison that names the field that differs.
 inline void ExpectRecord(const CondRecord& a, const CondRecord& e) {
-  EXPECT_STREQ(a.Tool, e.Tool);
-  EXPECT_EQ(a.hasSpeed, e.hasSpeed);
-  EXPECT_EQ(a.hasPress, e.hasPress);
-  EXPECT_EQ(a.hasOffset, e.hasOffset);
-  EXPECT_EQ(a.Speed, e.Speed);
-  EXPECT_EQ(a.Press, e.Press);
-  EXPECT_EQ(a.Offset, e.Offset);
-  EXPECT_EQ(a.Thickness, e.Thickness);
-  EXPECT_EQ(a.SpeedDecimal, e.SpeedDecimal);
-  EXPECT_EQ(a.LaserSpeed, e.LaserSpeed);
-  EXPECT_EQ(a.LaserPower, e.LaserPower);
-  EXPECT_EQ(a.LaserFreq, e.LaserFreq);
-  EXPECT_STREQ(a.LaserDpi, e.LaserDpi);
-  EXPECT_EQ(a.CutDirection, e.CutDirection);
-  EXPECT_STREQ(a.InkName, e.InkName);
-  EXPECT_STREQ(a.MediaType, e.MediaType);
-  EXPECT_EQ(a.MediaThickness, e.MediaThickness);
-  EXPECT_STREQ(a.NozzleType, e.NozzleType);
-  EXPECT_EQ(a.CoatingThickness, e.CoatingThickness);
-  EXPECT_EQ(a.Gap, e.Gap);
-  EXPECT_STREQ(a.NozzleRotation, e.NozzleRotation);
-  EXPECT_EQ(a.FlowRate, e.FlowRate);
-  EXPECT_EQ(a.AtomizationPress, e.AtomizationPress);
-  EXPECT_EQ(a.CoatingSpeed, e.CoatingSpeed);
-  EXPECT_EQ(a.Pitch, e.Pitch);
-  EXPECT_EQ(a.SpeedAdjust, e.SpeedAdjust);
-  EXPECT_EQ(a.PitchAdjust, e.PitchAdjust);
-  EXPECT_EQ(a.CoatingFillDirection, e.CoatingFillDirection);
-  EXPECT_EQ(a.MisalignmentCorrect, e.MisalignmentCorrect);
-  EXPECT_EQ(a.CoatingJoinLimit, e.CoatingJoinLimit);
-  EXPECT_EQ(a.CoatingFillOffset, e.CoatingFillOffset);
-  EXPECT_EQ(a.WDZUnit, e.WDZUnit);
-  EXPECT_EQ(a.ZPosition, e.ZPosition);
-  EXPECT_EQ(a.VCutType, e.VCutType);
-  EXPECT_EQ(a.VCutOffset, e.VCutOffset);
-  EXPECT_EQ(a.DivideCut.Available, e.DivideCut.Available);
-  EXPECT_EQ(a.DivideCut.divideKind, e.DivideCut.divideKind);
-  EXPECT_EQ(a.DivideCut.minLength, e.DivideCut.minLength);
-  EXPECT_EQ(a.DivideCut.limitAngle, e.DivideCut.limitAngle);
-  EXPECT_EQ(a.DivideCut.divideSide, e.DivideCut.divideSide);
-  EXPECT_EQ(a.DivideCut.jointLength, e.DivideCut.jointLength);
+#define RV_EQ(f) EXPECT_EQ(a.f, e.f) << #f;
+#define RV_STR(f) EXPECT_STREQ(a.f, e.f) << #f;
+  RV_STR(Tool) RV_STR(LaserDpi) RV_STR(InkName) RV_STR(MediaType) RV_STR(NozzleType) RV_STR(NozzleRotation)
+  RV_EQ(hasSpeed) RV_EQ(hasPress) RV_EQ(hasOffset) RV_EQ(Speed) RV_EQ(Press) RV_EQ(Offset) RV_EQ(Thickness)
+  RV_EQ(SpeedDecimal) RV_EQ(LaserSpeed) RV_EQ(LaserPower) RV_EQ(LaserFreq) RV_EQ(CutDirection) RV_EQ(MediaThickness)
+  RV_EQ(CoatingThickness) RV_EQ(Gap) RV_EQ(FlowRate) RV_EQ(AtomizationPress) RV_EQ(CoatingSpeed) RV_EQ(Pitch)
+  RV_EQ(SpeedAdjust) RV_EQ(PitchAdjust) RV_EQ(CoatingFillDirection) RV_EQ(MisalignmentCorrect)
+  RV_EQ(CoatingJoinLimit) RV_EQ(CoatingFillOffset) RV_EQ(WDZUnit) RV_EQ(ZPosition) RV_EQ(VCutType) RV_EQ(VCutOffset)
+  RV_EQ(DivideCut.Available) RV_EQ(DivideCut.divideKind) RV_EQ(DivideCut.minLength) RV_EQ(DivideCut.limitAngle)
+  RV_EQ(DivideCut.divideSide) RV_EQ(DivideCut.jointLength)
+#undef RV_EQ
+#undef RV_STR
 }
 
-inline void ExpectTheta(const void* ext, const ThetaExtension& e) {
-  ASSERT_NE(ext, nullptr);
-  const auto& t = *static_cast<const ThetaExtension*>(ext);
-  EXPECT_EQ(t.Available, e.Available);
-  for (int i = 0; i < 6; ++i) EXPECT_EQ(t.values[i], e.values[i]) << "value " << i;
+inline auto Fields(const DivideCutRecord& d) {
+  return std::tie(d.Available, d.divideKind, d.minLength, d.limitAngle, d.divideSide, d.jointLength);
+}
+inline auto Fields(const ThetaExtension& t) {
+  const double* v = t.values;
+  return std::tie(t.Available, v[0], v[1], v[2], v[3], v[4], v[5]);
+}
+inline auto Fields(const MillingExtension& m) {
+  return std::tie(m.hasRpm, m.hasCuttingDepth, m.hasZSpeed, m.hasMilling, m.Rpm, m.CuttingDepth, m.ZSpeed, m.Milling);
+}
+/// An extension that the table hands out against the expected one.
+template <class Extension>
+void ExpectExtension(const void* stored, const Extension& e) {
+  ASSERT_NE(stored, nullptr);
+  EXPECT_EQ(Fields(*static_cast<const Extension*>(stored)), Fields(e));
 }
 
-inline void ExpectMilling(const void* ext, const MillingExtension& e) {
-  ASSERT_NE(ext, nullptr);
-  const auto& m = *static_cast<const MillingExtension*>(ext);
-  EXPECT_EQ(m.hasRpm, e.hasRpm);
-  EXPECT_EQ(m.hasCuttingDepth, e.hasCuttingDepth);
-  EXPECT_EQ(m.hasZSpeed, e.hasZSpeed);
-  EXPECT_EQ(m.hasMilling, e.hasMilling);
-  EXPECT_EQ(m.Rpm, e.Rpm);
-  EXPECT_EQ(m.CuttingDepth, e.CuttingDepth);
-  EXPECT_EQ(m.ZSpeed, e.ZSpeed);
-  EXPECT_EQ(m.Milling, e.Milling);
-}
-
-constexpr const char* kDecl = "<?xml version=\"1.0\" encoding=\"utf-8\"?>";
-
-/// Fixture: an empty table before and after each test.
+/// Fixture: an empty table before and after each test, and file helpers.
 class ConditionTest : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(RvDeleteAllCutCondition(), 0u); }
   void TearDown() override {
     EXPECT_EQ(RvDeleteAllCutCondition(), 0u);
     EXPECT_EQ(g_ExceptionContext, nullptr);
+  }
+  /// Writes `text` as a file and loads (or imports) it.
+  uint32_t Load(uint16_t type, const std::string& text, const char* file = "c.xml") {
+    rvtest::WriteFile(m_dir.file(file), text);
+    return RvLoadCutCondition(type, m_dir.file(file).c_str());
+  }
+  uint32_t Import(const std::string& text, const char* file = "i.xml") {
+    rvtest::WriteFile(m_dir.file(file), text);
+    return RvImportCutCondition(m_dir.file(file).c_str());
+  }
+  /// Empties the table first.
+  uint32_t Reload(uint16_t type, const std::string& text) {
+    EXPECT_EQ(RvDeleteAllCutCondition(), 0u);
+    return Load(type, text);
+  }
+  /// The bytes of the table saved.
+  std::string Saved() {
+    EXPECT_EQ(RvSaveCutCondition(m_dir.file("saved.xml").c_str()), 0u);
+    return rvtest::ReadFile(m_dir.file("saved.xml"));
+  }
+  /// Empties the table and gives it the machine type, through a file of only a root.
+  void UseMachineType(uint16_t type, const char* root, const char* version) {
+    ASSERT_EQ(Reload(type, std::string(kDecl) + "<" + root + " version=\"" + version + "\"/>"), 0u);
+  }
+  void Add(const char* media, int pass, const CondRecord& r, const void* ext = nullptr) {
+    CondPair p{&r, ext};
+    ASSERT_EQ(RvAddCutCondition(media, pass, &p), 0u);
   }
   rvtest::TempDir m_dir;
 };
