@@ -74,10 +74,10 @@ TEST_F(RoundTrip, EveryCuttingFamilyWritesItsRootAndElements) {
   }
 }
 
-TEST_F(RoundTrip, WDZWritesUnitZPositionAndVCut) {
+TEST_F(RoundTrip, WDZWritesUnitZPositionAndAWholeVCutType) {
   UseMachineType(16, "WDZCutConditionList", "1.00");
   const CondRecord r{.Tool = "V90", .hasSpeed = 1, .hasPress = 1, .hasOffset = 1, .Press = 80, .Offset = 0.3,
-                     .Thickness = 3.0, .SpeedDecimal = 12.5, .WDZUnit = 2, .ZPosition = 1.25, .VCutType = 1,
+                     .Thickness = 3.0, .SpeedDecimal = 12.5, .WDZUnit = 2, .ZPosition = 1.25, .VCutType = 70000,
                      .VCutOffset = 0.5, .DivideCut = kDivide};
   Add("Board", 0, r, &kTheta);
   auto passes = SaveAndReload(16, Golden("wdz.xml"));
@@ -101,10 +101,10 @@ TEST_F(RoundTrip, MillingFamiliesWriteTheirExtensionAndDecideMillingAtTheFirstPa
   UseMachineType(15, "WDZKCutConditionList", "1.00");
   const MillingExtension m{1, 1, 1, 1, 18000, 0.7, 4, 1.0};
   Add("Alu", 0,
-      CondRecord{.Tool = "EM2", .hasSpeed = 1, .Thickness = 1.5, .SpeedDecimal = 8.25, .CutDirection = 2,
+      CondRecord{.Tool = "EM2", .hasSpeed = 1, .Thickness = 1.5, .SpeedDecimal = 8.25, .CutDirection = 65538,
                  .WDZUnit = 1, .ZPosition = 0.5},
       &m);
-  passes = SaveAndReload(15, Golden("wdzk.xml"));
+  passes = SaveAndReload(15, Golden("wdzk.xml"));  // CutDirection is written in 16 bits: 2
   ExpectExtension(passes.at(0).extension, MillingExtension{1, 0, 1, 1, 18000, -1.0, 4, 1.0});  // no CuttingDepth
 }
 
