@@ -34,11 +34,10 @@ struct Pass {
   std::string media;
   CondRecord record;
   const void* extension;
-  const CondRecord* stored;
 };
 
 inline int32_t CollectPass(void* ctx, const char* name, const CondPair* pair) {
-  static_cast<std::vector<Pass>*>(ctx)->push_back(Pass{name, *pair->record, pair->extension, pair->record});
+  static_cast<std::vector<Pass>*>(ctx)->push_back(Pass{name, *pair->record, pair->extension});
   return 0;
 }
 

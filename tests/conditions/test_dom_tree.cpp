@@ -55,10 +55,9 @@ TEST_F(DomTree, EveryOperationNeedsADocumentAndItsNodes) {
   EXPECT_EQ(g_ExceptionContext, nullptr);
 }
 
-TEST_F(DomTree, BuildsSavesAndFindsDescendantsInDocumentOrder) {
+TEST_F(DomTree, BuildsAndFindsDescendantsInDocumentOrder) {
   DOMNode root = nullptr, before = nullptr;
   std::wstring text;
-  ASSERT_EQ(m_tree.WriteDeclaration(), 0u);
   ASSERT_EQ(m_tree.CreateRoot(L"Root", &root), 0u);
   ASSERT_EQ(m_tree.SetAttribute(root, L"version", L"1.00"), 0u);
   ASSERT_EQ(m_tree.SetAttribute(root, L"version", L"2.00"), 0u);  // replaced
@@ -77,10 +76,6 @@ TEST_F(DomTree, BuildsSavesAndFindsDescendantsInDocumentOrder) {
   EXPECT_EQ(all, L"missing; zero ;one;two;missing;");
   ASSERT_EQ(m_tree.GetNodeName(box, &text), 0u);
   EXPECT_EQ(text, L"Box");
-  ASSERT_EQ(m_tree.Save(m_dir.file("t.xml")), 0u);
-  EXPECT_EQ(rvtest::ReadFile(m_dir.file("t.xml")),
-            "<?xml version=\"1.0\" encoding=\"utf-8\"?><Root version=\"2.00\"><Item> zero </Item><Item>one</Item>"
-            "<Box><Item>two</Item></Box></Root>");
 }
 
 TEST_F(DomTree, LoadKeepsWhiteSpaceAndRefusesBrokenFiles) {
