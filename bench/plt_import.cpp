@@ -78,22 +78,6 @@ struct CountingSink : rv::CRvPlotSink {
   void DrawArc(const rv::PlotArc&) override { ++moves; }
 };
 
-void RunInterpreter(benchmark::State& state, const std::string& data) {
-  int64_t moves = 0;
-  for (auto _ : state) {
-    CountingSink sink;
-    rv::CRvPlotInterpreter in(sink);
-    const auto* bytes = reinterpret_cast<const uint8_t*>(data.data());
-    in.SetDialect(rv::CRvPlotInterpreter::DetectDialect(bytes, data.size()));
-    in.Feed(bytes, data.size());
-    in.FeedEnd();
-    moves += sink.moves;
-    benchmark::DoNotOptimize(sink.moves);
-  }
-  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
-  state.counters["moves/s"] = benchmark::Counter(double(moves), benchmark::Counter::kIsRate);
-}
-
 /// Moves the interpreter hands over for `data`.
 int64_t CountMoves(const std::string& data) {
   CountingSink sink;
@@ -105,8 +89,22 @@ int64_t CountMoves(const std::string& data) {
   return sink.moves;
 }
 
+/// The interpreter alone.
+void BM_Interpret(benchmark::State& state, const std::string& (*input)()) {
+  const std::string& data = input();
+  int64_t moves = 0;
+  for (auto _ : state) {
+    const int64_t n = CountMoves(data);
+    moves += n;
+    benchmark::DoNotOptimize(n);
+  }
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
+  state.counters["moves/s"] = benchmark::Counter(double(moves), benchmark::Counter::kIsRate);
+}
+
 /// The whole import: file, interpreter, paths in a new document.
-void RunImport(benchmark::State& state, const std::string& data) {
+void BM_Import(benchmark::State& state, const std::string& (*input)()) {
+  const std::string& data = input();
   char name[] = "/tmp/bench_plt_import_XXXXXX";
   const int fd = mkstemp(name);
   if (fd < 0 || write(fd, data.data(), data.size()) != ssize_t(data.size())) {
@@ -129,34 +127,17 @@ void RunImport(benchmark::State& state, const std::string& data) {
   state.counters["moves/s"] = benchmark::Counter(double(moves) * double(state.iterations()), benchmark::Counter::kIsRate);
 }
 
-void BM_ImportShortMoves(benchmark::State& state) {
-  static const std::string data = ShortMoves();
-  RunImport(state, data);
+/// Each input is made once, on its first use.
+template <std::string (*Make)()>
+const std::string& Input() {
+  static const std::string data = Make();
+  return data;
 }
-BENCHMARK(BM_ImportShortMoves)->Unit(benchmark::kMillisecond);
 
-void BM_ImportArcs(benchmark::State& state) {
-  static const std::string data = Arcs();
-  RunImport(state, data);
-}
-BENCHMARK(BM_ImportArcs)->Unit(benchmark::kMillisecond);
-
-void BM_ImportArcPaths(benchmark::State& state) {
-  static const std::string data = ArcPaths();
-  RunImport(state, data);
-}
-BENCHMARK(BM_ImportArcPaths)->Unit(benchmark::kMillisecond);
-
-void BM_InterpretShortMoves(benchmark::State& state) {
-  static const std::string data = ShortMoves();
-  RunInterpreter(state, data);
-}
-BENCHMARK(BM_InterpretShortMoves)->Unit(benchmark::kMillisecond);
-
-void BM_InterpretArcs(benchmark::State& state) {
-  static const std::string data = Arcs();
-  RunInterpreter(state, data);
-}
-BENCHMARK(BM_InterpretArcs)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Import, ShortMoves, Input<ShortMoves>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Import, Arcs, Input<Arcs>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Import, ArcPaths, Input<ArcPaths>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Interpret, ShortMoves, Input<ShortMoves>)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_Interpret, Arcs, Input<Arcs>)->Unit(benchmark::kMillisecond);
 
 }  // namespace

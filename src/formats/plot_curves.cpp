@@ -60,7 +60,14 @@ double SweepToward(double sweep, int direction) {
 
 }  // namespace
 
-void CRvPlotInterpreter::ResetArcWork() { m_arc = ArcWork{}; }
+CRvPlotInterpreter::ArcWork& CRvPlotInterpreter::NewArcWork(int chordArg) {
+  m_arc = ArcWork{};
+  if (chordArg >= 0 && m_count > chordArg && m_args[chordArg] != 0.0) {
+    m_arc.trueArc = false;
+    m_arc.chord = m_args[chordArg];
+  }
+  return m_arc;
+}
 
 // ---------------------------------------------------------------------------
 // Arcs about a centre: AA, AR
@@ -69,12 +76,7 @@ void CRvPlotInterpreter::ResetArcWork() { m_arc = ArcWork{}; }
 void CRvPlotInterpreter::DoAA(bool relative) {
   if (m_count < 3) return;
   const double* a = m_args;
-  ResetArcWork();
-  ArcWork& w = m_arc;
-  if (m_count >= 4 && a[3] != 0.0) {
-    w.trueArc = false;
-    w.chord = a[3];
-  }
+  ArcWork& w = NewArcWork(3);
   const double cx = relative ? m_curX + a[0] : a[0];
   const double cy = relative ? m_curY + a[1] : a[1];
   const double dx = m_curX - cx, dy = m_curY - cy;
@@ -109,12 +111,7 @@ void CRvPlotInterpreter::DoAA(bool relative) {
 void CRvPlotInterpreter::DoCI() {
   if (m_count < 1) return;
   const double* a = m_args;
-  ResetArcWork();
-  ArcWork& w = m_arc;
-  if (m_count >= 2 && a[1] != 0.0) {
-    w.trueArc = false;
-    w.chord = a[1];
-  }
+  ArcWork& w = NewArcWork(1);
   const int16_t pen = m_penDown;
   const double cx = m_curX, cy = m_curY;
   double r = a[0];
@@ -157,8 +154,7 @@ void CRvPlotInterpreter::DoCI() {
 void CRvPlotInterpreter::DoAT(int kind) {
   if (m_count < 4) return;
   const double* a = m_args;
-  ResetArcWork();
-  ArcWork& w = m_arc;
+  ArcWork& w = NewArcWork(4);
   double x1 = a[0], y1 = a[1], x2 = a[2], y2 = a[3];
   if (kind == 1) {
     x1 += m_curX;
@@ -168,10 +164,6 @@ void CRvPlotInterpreter::DoAT(int kind) {
   }
   const int16_t pen = m_penDown;
   if (kind == 2) m_penDown = 1;
-  if (m_count >= 5 && a[4] != 0.0) {
-    w.trueArc = false;
-    w.chord = a[4];
-  }
   const double x0 = m_curX, y0 = m_curY;
 
   bool arc = false;
@@ -268,12 +260,7 @@ void CRvPlotInterpreter::DoEA(bool relative) {
 void CRvPlotInterpreter::DoEW() {
   if (m_count < 3) return;
   const double* a = m_args;
-  ResetArcWork();
-  ArcWork& w = m_arc;
-  if (m_count >= 4 && a[3] != 0.0) {
-    w.trueArc = false;
-    w.chord = a[3];
-  }
+  ArcWork& w = NewArcWork(3);
   const int16_t pen = m_penDown;
   const double px = m_curX, py = m_curY;
   double start = std::fmod(a[1], 360.0);
@@ -324,8 +311,7 @@ void CRvPlotInterpreter::DoZE() {
   const double* a = m_args;
   if (a[0] * a[1] == 0.0) return;
   double rotation = m_count >= 3 ? a[2] : 0.0;
-  ResetArcWork();
-  ArcWork& w = m_arc;
+  ArcWork& w = NewArcWork();
   const int16_t pen = m_penDown;
   const double px = m_curX, py = m_curY;
   double ra = std::fabs(a[0]), rb = std::fabs(a[1]);
@@ -721,8 +707,7 @@ void CRvPlotInterpreter::DoZW() {
 void CRvPlotInterpreter::DoW() {
   if (m_count < 6) return;
   const double* a = m_args;
-  ResetArcWork();
-  ArcWork& w = m_arc;
+  ArcWork& w = NewArcWork();
   const double x = a[0], y = a[1], r1 = a[2], r2 = a[3];
   const double t1 = a[4] / 10.0, t2 = a[5] / 10.0;
   w.centreX = x;
@@ -764,8 +749,7 @@ void CRvPlotInterpreter::DoW() {
 void CRvPlotInterpreter::DoBracket() {
   if (m_count < 4) return;
   const double* a = m_args;
-  ResetArcWork();
-  ArcWork& w = m_arc;
+  ArcWork& w = NewArcWork();
   const double r1 = a[0], r2 = a[1];
   const double t1 = a[2] / 10.0, t2 = a[3] / 10.0;
   const double n1 = Radians(Normal(t1)), n2 = Radians(Normal(t2));
@@ -797,8 +781,7 @@ void CRvPlotInterpreter::DoStar() {
   if (m_count < 7) return;
   const double* a = m_args;
   if (a[0] != 1.0 && a[0] != -1.0) return;
-  ResetArcWork();
-  ArcWork& w = m_arc;
+  ArcWork& w = NewArcWork();
   const double x1 = a[1], y1 = a[2], x2 = a[3], y2 = a[4], cx = a[5], cy = a[6];
   w.direction = a[0] == 1.0 ? -1 : 1;
   w.centreX = cx;

@@ -154,7 +154,10 @@ class CRvPlotInterpreter {
   void DoTerminators();
 
   // ---- curves ----
-  void ResetArcWork();
+  struct ArcWork;
+  /// A fresh arc in hand; a chord angle other than 0 in parameter
+  /// `chordArg` (when given) makes it a flattened one.
+  ArcWork& NewArcWork(int chordArg = -1);
   void DoAA(bool relative);
   void DoCI();
   void DoAT(int kind);  // 0 AT, 1 RT, 2 ZC

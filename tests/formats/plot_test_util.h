@@ -1,9 +1,11 @@
-// A recording sink for the plot interpreter: every move it is handed, in
-// order, in plotter units.
+// Helpers of the plot tests: an interpreter on a recording sink whose moves
+// read as text, and tables of (commands, moves) walked in one test.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,87 +23,76 @@ constexpr long kHugeScale = 4;
 constexpr long kHugeScale = 1;
 #endif
 
-struct Move {
-  bool arc = false;
-  rv::PlotPoint from, to, centre;
-  int pen = 0;
-  double sweep = 0.0;
-  int direction = 0;
-};
+/// A number as the tables write it: ten significant digits, no "-0".
+inline std::string Num(double v) {
+  char buf[32];
+  std::snprintf(buf, sizeof buf, "%.10g", v + 0.0);
+  return buf;
+}
 
-class RecordingSink : public rv::CRvPlotSink {
- public:
+inline std::string Pt(double x, double y) { return Num(x) + "," + Num(y); }
+
+/// An arc as text: "Afrom>to@centre:sweep" and '+' counter-clockwise, else '-'.
+inline std::string ArcText(const rv::PlotPoint& from, const rv::PlotPoint& to, const rv::PlotPoint& centre,
+                           double sweep, int direction) {
+  return "A" + Pt(from.x, from.y) + ">" + Pt(to.x, to.y) + "@" + Pt(centre.x, centre.y) + ":" + Num(sweep) +
+         (direction == 1 ? "+" : "-");
+}
+
+/// An interpreter whose moves read as text: "Ux0,y0>x1,y1" pen up,
+/// "D..." pen down, or an arc.
+struct Plot : rv::CRvPlotSink {
+  rv::CRvPlotInterpreter in{*this};
+  std::vector<std::string> moves;
+  std::vector<rv::PlotPoint> ends;  // where each move ends
+
   void DrawLine(const rv::PlotPoint& from, const rv::PlotPoint& to, int16_t penDown) override {
-    Move m;
-    m.from = from;
-    m.to = to;
-    m.pen = penDown;
-    moves.push_back(m);
+    moves.push_back((penDown ? "D" : "U") + Pt(from.x, from.y) + ">" + Pt(to.x, to.y));
+    ends.push_back(to);
   }
-  void DrawArc(const rv::PlotArc& arc) override {
-    Move m;
-    m.arc = true;
-    m.from = arc.from;
-    m.to = arc.to;
-    m.centre = arc.centre;
-    m.pen = 1;
-    m.sweep = arc.sweep;
-    m.direction = arc.direction;
-    moves.push_back(m);
+  void DrawArc(const rv::PlotArc& a) override {
+    moves.push_back(ArcText(a.from, a.to, a.centre, a.sweep, a.direction));
+    ends.push_back(a.to);
   }
-  std::vector<Move> moves;
-};
-
-/// An interpreter on a recording sink.
-struct Plot {
-  RecordingSink sink;
-  rv::CRvPlotInterpreter in{sink};
-  std::vector<Move>& moves = sink.moves;
-
-  Plot& Feed(std::string_view bytes) {
-    in.Feed(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
-    return *this;
+  /// All moves, one space between two.
+  std::string Trace() const {
+    std::string s;
+    for (const std::string& m : moves) s += (s.empty() ? "" : " ") + m;
+    return s;
+  }
+  /// The pen and the position (to 1e-9) after the commands: "pen 1 at x,y".
+  std::string State() const {
+    const auto near = [](double v) { return std::round(v * 1e9) / 1e9; };
+    return "pen " + std::to_string(in.PenDown()) + " at " + Pt(near(in.Position().x), near(in.Position().y));
   }
 };
 
-/// Runs `bytes` in the two-letter dialect (or `dialect`), then the end of the
-/// stream unless `end` is false.
-inline std::unique_ptr<Plot> Two(std::string_view bytes, rv::PlotDialect dialect = rv::kDialectTwoLetter,
-                                 bool end = true) {
+/// Runs `bytes` in the two-letter dialect (or `dialect`), then the end of the stream.
+inline std::unique_ptr<Plot> Two(std::string_view bytes, rv::PlotDialect dialect = rv::kDialectTwoLetter) {
   auto p = std::make_unique<Plot>();
   p->in.SetDialect(dialect);
-  p->Feed(bytes);
-  if (end) p->in.FeedEnd();
+  p->in.Feed(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+  p->in.FeedEnd();
   return p;
 }
 
-inline std::unique_ptr<Plot> Single(std::string_view bytes, bool end = true) {
-  return Two(bytes, rv::kDialectSingleLetter, end);
+/// Commands, the moves they make and (where given) the state they leave,
+/// worked out by hand.
+struct TraceRow {
+  std::string commands;
+  std::string moves;
+  std::string state = "";
+};
+
+inline void ExpectTraces(const std::vector<TraceRow>& rows, rv::PlotDialect dialect = rv::kDialectTwoLetter) {
+  for (const TraceRow& row : rows) {
+    SCOPED_TRACE(row.commands);
+    const auto p = Two(row.commands, dialect);
+    EXPECT_EQ(p->Trace(), row.moves);
+    if (!row.state.empty()) {
+      EXPECT_EQ(p->State(), row.state);
+    }
+  }
 }
-
-#define EXPECT_LINE(m, x0, y0, x1, y1, p)                                         \
-  do {                                                                             \
-    const ::rvtest::Move& mv_ = (m);                                               \
-    EXPECT_FALSE(mv_.arc);                                                         \
-    EXPECT_EQ(mv_.from.x, (x0));                                                   \
-    EXPECT_EQ(mv_.from.y, (y0));                                                   \
-    EXPECT_EQ(mv_.to.x, (x1));                                                     \
-    EXPECT_EQ(mv_.to.y, (y1));                                                     \
-    EXPECT_EQ(mv_.pen, (p));                                                       \
-  } while (0)
-
-#define EXPECT_ARC(m, x0, y0, cx, cy, x1, y1, sw, dir)                             \
-  do {                                                                             \
-    const ::rvtest::Move& mv_ = (m);                                               \
-    EXPECT_TRUE(mv_.arc);                                                          \
-    EXPECT_EQ(mv_.from.x, (x0));                                                   \
-    EXPECT_EQ(mv_.from.y, (y0));                                                   \
-    EXPECT_EQ(mv_.centre.x, (cx));                                                 \
-    EXPECT_EQ(mv_.centre.y, (cy));                                                 \
-    EXPECT_EQ(mv_.to.x, (x1));                                                     \
-    EXPECT_EQ(mv_.to.y, (y1));                                                     \
-    EXPECT_NEAR(mv_.sweep, (sw), 1e-9);                                            \
-    EXPECT_EQ(mv_.direction, (dir));                                               \
-  } while (0)
 
 }  // namespace rvtest
