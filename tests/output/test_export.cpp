@@ -36,11 +36,8 @@ TEST_F(ExportTest, SquareAndLineInEveryDialect) {
   AddPath({{15, 25}, {40, 25}}, false, "B");
   const std::string pens = "PU0.00,0.00;PD0.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;PU;"
                            "PU5.00,5.00;PD5.00,5.00;PD5.00,30.00;PU;";
-  const struct {
-    int16_t dialect;
-    double unit;
-    std::string expected;
-  } rows[] = {
+  struct Row { int16_t dialect; double unit; std::string expected; };
+  const Row rows[] = {
       {0, 1, pens},
       {1, 1, pens},
       {2, 1,  // ended by 0x03, the pen lifted by "O0,0"
@@ -59,11 +56,10 @@ TEST_F(ExportTest, SquareAndLineInEveryDialect) {
        "PU0.00,0.00;PD0.00,0.00;PD400.00,0.00;PD400.00,400.00;PD0.00,400.00;PD0.00,0.00;PU;"
        "PU200.00,200.00;PD200.00,200.00;PD200.00,1200.00;PU;"},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.dialect);
+  for (const Row& row : rows) {
     RVPLOTPARAM p = Param(6, row.dialect);
     p.deviceUnit = row.unit;
-    EXPECT_EQ(Export(p), row.expected);
+    EXPECT_EQ(Export(p), row.expected) << row.dialect;
   }
 }
 
@@ -72,25 +68,25 @@ TEST_F(ExportTest, SquareAndLineInEveryDialect) {
 TEST_F(ExportTest, PlacementByClassRotationMirrorAndScale) {
   AddPath({{0, 0}, {30, 0}, {30, 10}}, false, "A");
   const char* plain = "PU0.00,0.00;PD0.00,0.00;PD0.00,30.00;PD10.00,30.00;PU;";
-  const struct {
-    uint16_t cls;
-    bool shifted;
-    double rotation;
-    int32_t mirror;
-    double scaleX, scaleY;
-    const char* expected;
-  } rows[] = {
+  const char* xFirst = "PU7.00,10.00;PD7.00,10.00;PD37.00,10.00;PD37.00,20.00;PU;";
+  const char* yFlipped = "PU7.00,20.00;PD7.00,20.00;PD37.00,20.00;PD37.00,10.00;PU;";
+  struct Row { uint16_t cls; bool shifted; double rotation; int32_t mirror; double scaleX, scaleY;
+               const char* expected; };
+  const Row rows[] = {
       // Translation (-7, 10), x mirrored over the width 30: (37,10) (7,10) (7,20); y first.
       {0, true, 0, 0, 100, 100, "PU10.00,37.00;PD10.00,37.00;PD10.00,7.00;PD20.00,7.00;PU;"},
       // Translation (7, 10), x first.
-      {1, true, 0, 0, 100, 100, "PU7.00,10.00;PD7.00,10.00;PD37.00,10.00;PD37.00,20.00;PU;"},
+      {1, true, 0, 0, 100, 100, xFirst},
+      {2, true, 0, 0, 100, 100, xFirst},
       // Translation (7, -10), y mirrored over the height 10, x first: (7,20) (37,20) (37,10).
-      {8, true, 0, 0, 100, 100, "PU7.00,20.00;PD7.00,20.00;PD37.00,20.00;PD37.00,10.00;PU;"},
+      {8, true, 0, 0, 100, 100, yFlipped},
+      {9, true, 0, 0, 100, 100, yFlipped},
       // Only the three single-precision turns rotate.
-      {6, false, 0, 0, 100, 100, plain},
       {6, false, 0.5, 0, 100, 100, plain},
       {6, false, 1.5707963267948966, 0, 100, 100, plain},
       {6, false, 3.141592653589793, 0, 100, 100, plain},
+      {6, false, 4.71238898038469, 0, 100, 100, plain},
+      {6, false, -1.5707963705062866, 0, 100, 100, plain},
       // Quarter: (x, y) -> (10 - y, x); (30,10) lands a hair left of 0.
       {6, false, 1.5707963705062866, 0, 100, 100, "PU0.00,10.00;PD0.00,10.00;PD30.00,10.00;PD30.00,-0.00;PU;"},
       // Half: (x, y) -> (30 - x, 10 - y); (30,10) lands a hair below 0.
@@ -100,15 +96,14 @@ TEST_F(ExportTest, PlacementByClassRotationMirrorAndScale) {
       {6, false, 0, 1, 100, 100, "PU0.00,30.00;PD0.00,30.00;PD0.00,0.00;PD10.00,0.00;PU;"},  // x -> 30 - x
       {6, false, 0, 0, 200, 50, "PU0.00,0.00;PD0.00,0.00;PD0.00,60.00;PD5.00,60.00;PU;"},   // (2x, y / 2)
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(::testing::Message() << row.cls << " " << row.rotation);
+  for (const Row& row : rows) {
     RVPLOTPARAM p = Param(row.cls, 0);
     if (row.shifted) p.originX = 5, p.originY = 7, p.deviceMinX = 2, p.deviceMinY = 3;
     p.rotation = row.rotation;
     p.mirror = row.mirror;
     p.scaleX = row.scaleX;
     p.scaleY = row.scaleY;
-    EXPECT_EQ(Export(p), row.expected);
+    EXPECT_EQ(Export(p), row.expected) << row.cls << " " << row.rotation;
   }
 }
 
@@ -134,8 +129,7 @@ TEST_F(ExportTest, Class10WritesTheHatchingKeysOnly) {
 struct ProgressLog {
   std::vector<int> steps;
   std::vector<std::string> messages;
-  int begins = 0;
-  int ends = 0;
+  int begins = 0, ends = 0;
   int cancelAt = -1;  // number of the step call that cancels
 };
 
@@ -149,68 +143,11 @@ void OnBegin(void* context) { ++static_cast<ProgressLog*>(context)->begins; }
 void OnEnd(void* context) { ++static_cast<ProgressLog*>(context)->ends; }
 void OnRange(void*, int16_t low, int16_t high) { EXPECT_TRUE(low == 0 && high == 100) << low << " " << high; }
 
-void ListenTo(bool steps = true) { RvGiSetProgressFunction(steps ? OnStep : nullptr, OnRange, OnBegin, OnEnd, OnMessage); }
-
-TEST_F(ExportTest, ExcludedArtsWriteNothingAndCountOnlyAsDone) {
-  AddPath({{0, 0}, {10, 0}}, false, "A", 2 | 16);
-  AddPath({{0, 5}, {10, 5}}, false, "B");
-  ProgressLog log;
-  ListenTo();
-  // The excluded art still widens the placement rectangle.
-  EXPECT_EQ(Export(Param(6, 0), nullptr, &log), "PU5.00,0.00;PD5.00,0.00;PD5.00,10.00;PU;");
-  // One art counted; both advance the count of arts done.
-  EXPECT_EQ(log.steps, (std::vector<int>{100, 200}));
-  EXPECT_EQ(log.messages, (std::vector<std::string>{"Createing plot data... 100 %", "Createing plot data... 200 %"}));
-  EXPECT_EQ(log.begins, 1);
-  EXPECT_EQ(log.ends, 1);
-}
-
-TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
-  AddPath({{0, 0}, {10, 0}}, false, "A");
-  AddPath({{0, 5}, {10, 5}}, false, "B");
-  ListenTo();
-  RVPLOTPARAM p = Param(6, 0);
-  p.expandDocument = 1;
-  p.marginLeft = 1;
-  const RVRECT page = Rect(-5, -5, 50, 50);
-  ASSERT_EQ(RvGiSetDocBoundingBox(&page), 0u);
-  // Writing, after the first art: the file holds it, the end is reported;
-  // the sort by bounds asks at its own start; the block sort of class 0 the
-  // second time, at 50 percent. The document's box is restored each time.
-  const struct {
-    uint16_t cls;
-    int32_t sort;
-    int cancelAt;
-    const char* file;
-    uint32_t code;
-    std::vector<int> steps;
-  } rows[] = {
-      {6, 0, 0, "PU0.00,1.00;PD0.00,1.00;PD0.00,11.00;PU;", 0x06001F01u, {50}},
-      {6, 1, 0, "", 0x0A001F01u, {0}},
-      {0, 1, 1, "", 0x0A001F01u, {0, 50}},
-  };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.cls);
-    ProgressLog log;
-    log.cancelAt = row.cancelAt;
-    p.plotterClass = row.cls;
-    p.sortArts = row.sort;
-    uint32_t code = 0;
-    EXPECT_EQ(Export(p, &code, &log), row.file);
-    EXPECT_EQ(code, row.code);
-    EXPECT_EQ(log.steps, row.steps);
-    EXPECT_EQ(log.ends, 1);
-    RVRECT after{};
-    ASSERT_EQ(RvGiGetDocBoundBox(&after), 0u);
-    EXPECT_EQ(after.left, -5.0);
-  }
-}
-
 TEST_F(ExportTest, ProgressOfTheSortsAndOfWriting) {
   AddPath({{0, 0}, {10, 0}}, false, "A");
   AddPath({{0, 60}, {10, 60}}, false, "B");
+  RvGiSetProgressFunction(OnStep, OnRange, OnBegin, OnEnd, OnMessage);
   ProgressLog log;
-  ListenTo();
   RVPLOTPARAM p = Param(6, 3);
   p.sortArts = 1;
   Export(p, nullptr, &log);
@@ -232,9 +169,54 @@ TEST_F(ExportTest, ProgressOfTheSortsAndOfWriting) {
   // Without onStep no message and no cancel.
   log = ProgressLog{};
   log.cancelAt = 0;
-  ListenTo(false);
+  RvGiSetProgressFunction(nullptr, OnRange, OnBegin, OnEnd, OnMessage);
   Export(p, nullptr, &log);
   EXPECT_TRUE(log.messages.empty());
+
+  // An excluded art (attribute bit 16) writes nothing but still widens the
+  // placement rectangle; only the other is counted, both advance the count
+  // of arts done.
+  SetUp();
+  AddPath({{0, 0}, {10, 0}}, false, "A", 2 | 16);
+  AddPath({{0, 5}, {10, 5}}, false, "B");
+  RvGiSetProgressFunction(OnStep, OnRange, OnBegin, OnEnd, OnMessage);
+  log = ProgressLog{};
+  EXPECT_EQ(Export(Param(6, 0), nullptr, &log), "PU5.00,0.00;PD5.00,0.00;PD5.00,10.00;PU;");
+  EXPECT_EQ(log.steps, (std::vector<int>{100, 200}));
+  EXPECT_TRUE(log.begins == 1 && log.ends == 1);
+}
+
+// Writing is cancelled after the first art: the file holds it and the end is
+// reported. The sort by bounds asks first at its own start, the block sort
+// of class 0 the second time, at 50 percent. The document's box comes back.
+TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
+  AddPath({{0, 0}, {10, 0}}, false, "A");
+  AddPath({{0, 5}, {10, 5}}, false, "B");
+  RvGiSetProgressFunction(OnStep, OnRange, OnBegin, OnEnd, OnMessage);
+  const RVRECT page = Rect(-5, -5, 50, 50);
+  ASSERT_EQ(RvGiSetDocBoundingBox(&page), 0u);
+  struct Row { uint16_t cls; int32_t sort; int cancelAt; const char* file; uint32_t code; std::vector<int> steps; };
+  const Row rows[] = {
+      {6, 0, 0, "PU0.00,1.00;PD0.00,1.00;PD0.00,11.00;PU;", 0x06001F01u, {50}},
+      {6, 1, 0, "", 0x0A001F01u, {0}},
+      {0, 1, 1, "", 0x0A001F01u, {0, 50}},
+  };
+  for (const Row& row : rows) {
+    ProgressLog log;
+    log.cancelAt = row.cancelAt;
+    RVPLOTPARAM p = Param(row.cls, 0);
+    p.sortArts = row.sort;
+    p.expandDocument = 1;
+    p.marginLeft = 1;
+    uint32_t code = 0;
+    EXPECT_EQ(Export(p, &code, &log), row.file);
+    EXPECT_EQ(code, row.code);
+    EXPECT_EQ(log.steps, row.steps);
+    EXPECT_EQ(log.ends, 1);
+    RVRECT after{};
+    ASSERT_EQ(RvGiGetDocBoundBox(&after), 0u);
+    EXPECT_EQ(after.left, -5.0);
+  }
 }
 
 TEST_F(ExportTest, ExpandDocumentAndFrame) {
@@ -249,8 +231,7 @@ TEST_F(ExportTest, ExpandDocumentAndFrame) {
   EXPECT_EQ(Export(p), "PU3.00,2.00;PD3.00,2.00;PD3.00,12.00;PD7.00,12.00;PU;");
   RVRECT after{};
   ASSERT_EQ(RvGiGetDocBoundBox(&after), 0u);
-  EXPECT_EQ(after.left, -5.0);
-  EXPECT_EQ(after.bottom, -5.0);
+  EXPECT_TRUE(after.left == -5.0 && after.bottom == -5.0);
 
   // The frame moves the job by its margins (1, 2). A key without conditions
   // gives one pass without a block; the frame runs round (0,0)-(10 + 2, 4 + 4)
@@ -307,42 +288,41 @@ TEST_F(ExportTest, RepeatCountsOfClosedAndOpenArts) {
   EXPECT_EQ(RvGetRepeatCount("Fold"), 1);
 }
 
+// An open curve from `a` to `b` with the given handles.
+std::vector<RVBEZIERPOINT> Curve(RVPOINT a, RVPOINT out, RVPOINT in, RVPOINT b) {
+  std::vector<RVBEZIERPOINT> points{Pt(a.x, a.y), Pt(b.x, b.y)};
+  points[0].out = out;
+  points[1].in = in;
+  return points;
+}
+
 TEST_F(ExportTest, CurveOutputs) {
   // 0: a bump from (0,0) to (40,0) with handles (0,10) and (40,10); with
   // tolerance 6 it halves once, at (20, 7.5).
-  RVBEZIERPOINT a = Pt(0, 0), b = Pt(40, 0);
-  a.out = {0, 10};
-  b.in = {40, 10};
-  AddCurve({a, b}, false, "A");
+  AddCurve(Curve({0, 0}, {0, 10}, {40, 10}, {40, 0}), false, "A");
   RVPLOTPARAM p = Param(6, 0);
   p.curveTolerance = 6.0;
   EXPECT_EQ(Export(p), "PU0.00,0.00;PD0.00,0.00;PD7.50,20.00;PD0.00,40.00;PU;");
 
   // 1: a quarter circle about (5,5) of radius 10 from (15,5) to (5,15),
   // handles 5.523 long: one arc, direction -1, the middle at t = 0.5
-  // (12.071125, 12.071125); a straight line after it stays points.
+  // (12.071125, 12.071125); a straight line after it stays points. The arc's
+  // values come divided by the curve operation; the move to an arc is
+  // undivided and puts the pen down. The line: start, end, end again.
   SetUp();
-  a = Pt(15, 5), b = Pt(5, 15);
-  a.out = {15, 10.523};
-  b.in = {10.523, 15};
   const RVRECT box = Rect(0, 0, 20, 20);
-  AddCurve({a, b}, false, "A", 2, &box);
+  AddCurve(Curve({15, 5}, {15, 10.523}, {10.523, 15}, {5, 15}), false, "A", 2, &box);
   AddPath({{0, 0}, {10, 0}}, false, "B", 2, &box);
   p = Param(6, 0);
   p.curveOutput = 1;
   p.deviceUnit = 0.5;
-  // The arc's values come divided by the curve operation; the move to an arc
-  // is undivided and puts the pen down. The line: start, end, end again.
   EXPECT_EQ(Export(p), "PU10.00,30.00;PD;ZCAA-1,10.00,30.00,24.14,24.14,30.00,10.00,10.00,10.00;PU;"
                        "PU0.00,0.00;PD0.00,0.00;PD0.00,20.00;PD0.00,20.00;PU;");
 
   // 2: handles 0.08 off the chord, more than 0.1 degree, so not straight;
   // with the fixed tolerance 0.042 it halves once at (50, 0.06).
   SetUp();
-  a = Pt(0, 0), b = Pt(100, 0);
-  a.out = {30, 0.08};
-  b.in = {70, 0.08};
-  AddCurve({a, b}, false, "A");
+  AddCurve(Curve({0, 0}, {30, 0.08}, {70, 0.08}, {100, 0}), false, "A");
   p = Param(6, 0);
   p.curveOutput = 2;
   EXPECT_EQ(Export(p), "PU0.00,0.00;PD;ZS0.00,0.00,0.06,50.00,0.00,100.00;PU;");
@@ -360,18 +340,15 @@ TEST_F(ExportTest, BothSidesCutOfASharpTriangle) {
   b.in = {2 * third, 0}, b.out = {2 * third, h};
   c.in = {third, 2 * h}, c.out = {0, 2 * h};
   const std::string block = "SP1;VS20,1;ZF80,1;ZO0.30;";
-  const struct {
-    int16_t available;
-    uint16_t cls;
-    const char* expected;  // null: not looked at
-  } rows[] = {
+  struct Row { int16_t available; uint16_t cls; const char* expected; };  // expected null: not looked at
+  const Row rows[] = {
       {1, 6,  // along the edge up to the joint, from the corner back to it, the rest
        "PU0.00,0.00;PD0.00,0.00;PD0.00,75.00;PU0.00,100.00;PD0.00,100.00;PD0.00,75.00;"
        "PU0.00,100.00;PD0.00,100.00;PD20.00,0.00;PD0.00,0.00;PU;"},
       {0, 6, "PU0.00,0.00;PD0.00,0.00;PD0.00,100.00;PD20.00,0.00;PD0.00,0.00;PD0.00,0.00;PU;"},  // cut whole
       {1, 8, nullptr},  // class 8 has no both-sides pass
   };
-  for (const auto& row : rows) {
+  for (const Row& row : rows) {
     SCOPED_TRACE(::testing::Message() << row.available << " " << row.cls);
     SetUp();
     CondRecord cond = Condition("1");
@@ -388,17 +365,17 @@ TEST_F(ExportTest, BothSidesCutOfASharpTriangle) {
     const std::string file = Export(p);
     EXPECT_TRUE(row.expected == nullptr || file == block + row.expected) << file;
     char value[8] = "x";
-    const bool cut = row.available == 1 && row.cls == 6;
+    const bool cut = row.expected != nullptr && row.available == 1;
     EXPECT_EQ(RvGiGetArtTag(triangle, "RivlenKerflowBothSidesCutTag", value) == 0u, cut);
     if (!cut) continue;
     EXPECT_STREQ(value, "");
     EXPECT_NE(RvGiGetArtTag(triangle, "RivlenKerflowInToOutTag", value), 0u);
+    // Five records: the start, the joint at (75,0), the corner...
     void* bezier = nullptr;
     ASSERT_EQ(RvGiGetArtFirstChild(triangle, &bezier), 0u);
     int32_t count = 0;
     ASSERT_EQ(RvGiGetPathSegmentCount(bezier, &count), 0u);
     EXPECT_EQ(count, 5);
-    // The start, the joint at (75,0), the corner.
     RVBEZIERPOINT points[3]{};
     for (int32_t i = 0; i < 3; ++i) ASSERT_EQ(RvGiGetBezierPoint(bezier, i, &points[i]), 0u);
     EXPECT_NEAR(points[1].anchor.x, 75.0, 1e-9);
@@ -428,19 +405,16 @@ TEST_F(ExportTest, InsidePassTagsWhatLiesAtOddDepth) {
   void* square = AddPath({{0, 0}, {0, 10}, {10, 10}, {10, 0}, {0, 0}}, true, "A");
   void* circle = nullptr;
   void* arc = nullptr;
+  void* group = nullptr;
   ASSERT_EQ(RvGiCreateArt(4, 5, m_layer, &circle), 0u);
   ASSERT_EQ(RvGiCreateArt(5, 5, circle, &arc), 0u);
   const RVARCPOINT full{{7, 5}, {7, 5}, {5, 5}, 360.0, 1};
   ASSERT_EQ(rv::Guard([&] { rv::CRvDataAccess::Instance().AddArcPoint(rv::ArtOf(arc), full); }), 0u);
-  ASSERT_EQ(RvGiSetPathClosed(circle, 1), 0u);
-  ASSERT_EQ(RvGiSetPathAttrFlag(circle, 2), 0u);
   const RVRECT box = Rect(3, 3, 7, 7);
-  ASSERT_EQ(RvGiSetBoundingBox(circle, &box), 0u);
+  ASSERT_EQ(RvGiSetPathClosed(circle, 1) | RvGiSetPathAttrFlag(circle, 2) | RvGiSetBoundingBox(circle, &box), 0u);
   ASSERT_EQ(RvGiAddRefMapData(m_map, "B", 2, circle), 0u);
-  void* group = nullptr;
   ASSERT_EQ(RvGiCreateArt(1, 5, m_layer, &group), 0u);
-  ASSERT_EQ(RvGiSetPathAttrFlag(group, 2), 0u);
-  ASSERT_EQ(RvGiAddRefMapData(m_map, "C", 2, group), 0u);
+  ASSERT_EQ(RvGiSetPathAttrFlag(group, 2) | RvGiAddRefMapData(m_map, "C", 2, group), 0u);
   // Class 1, x first; the circle's art writes only its "PU;", the group
   // nothing. Sorted by bounds the circle, inside the square's box, is first.
   const std::string squareJob = "PU0.00,0.00;PD0.00,0.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;"
@@ -475,14 +449,14 @@ TEST_F(ExportTest, SortedRoutes) {
   p.sortPerCutOrder = 1;  // each key a list of its own, in the cut order
   EXPECT_EQ(Export(p), e + a + b + d + c);
 
-  // Cut-order steps pass over keys not for output.
+  // Cut-order steps pass over keys not for output (info without bit 2).
   SetUp();
   AddPath({{0, 0}, {10, 0}}, false, "A");
-  ASSERT_EQ(RvGiAddRefMapData(m_map, "H", 1, AddPath({{0, 5}, {10, 5}}, false, nullptr)), 0u);  // info without 2
+  ASSERT_EQ(RvGiAddRefMapData(m_map, "H", 1, AddPath({{0, 5}, {10, 5}}, false, nullptr)), 0u);
   AddPath({{0, 9}, {10, 9}}, false, "Z");
   p = Param(6, 0);
   p.sortArts = p.sortPerCutOrder = 1;
-  EXPECT_EQ(Export(p), "PU0.00,0.00;PD0.00,0.00;PD0.00,10.00;PU;PU9.00,0.00;PD9.00,0.00;PD9.00,10.00;PU;");
+  EXPECT_EQ(Export(p), kStroke + "PU;PU9.00,0.00;PD9.00,0.00;PD9.00,10.00;PU;");
   p.plotterClass = 0;  // the block sort: x flipped over 10
   EXPECT_EQ(Export(p), "PU0.00,10.00;PD0.00,10.00;PD0.00,0.00;PU;PU9.00,10.00;PD9.00,10.00;PD9.00,0.00;PU;");
 

@@ -29,11 +29,8 @@ void ExpectMaps(const RVRIFMATRIX& m, const std::vector<std::array<double, 4>>& 
 
 TEST(Placement, JobOffsetsAndDeviceOriginPerClassFamily) {
   // Origin (5, 7), device minimum (1, 2), frame margins (3, 4).
-  const struct {
-    uint16_t cls;
-    int32_t frame;
-    double tx, ty;
-  } rows[] = {
+  struct Row { uint16_t cls; int32_t frame; double tx, ty; };
+  const Row rows[] = {
       {0, 0, -16, -11},  // -10 - originX - deviceMinX, -20 + originY + deviceMinY
       {3, 0, -14, -11},  // offsets as class 0, device origin as the others
       {8, 0, -4, -29},   // -10 + originX + deviceMinX, -20 - originY - deviceMinY
@@ -51,26 +48,12 @@ TEST(Placement, JobOffsetsAndDeviceOriginPerClassFamily) {
   }
 }
 
+// Rotations of class 6 are in the whole-export tests; here the other sides
+// of the rotated placement, the milling classes and the mirror.
 TEST(Placement, RotationMirrorAndScale) {
-  const struct {
-    uint16_t cls;
-    double rotation;
-    int32_t mirror;
-    double scaleX, scaleY;
-    bool baseOnly;
-    std::vector<std::array<double, 4>> maps;
-  } rows[] = {
-      // Only the three single-precision values rotate.
-      {2, 0.0, 0, 100, 100, false, {{10, 20, 0, 0}, {110, 70, 100, 50}}},
-      {2, 0.5, 0, 100, 100, false, {{10, 20, 0, 0}, {110, 70, 100, 50}}},
-      {2, 1.5707963267948966, 0, 100, 100, false, {{10, 20, 0, 0}, {110, 70, 100, 50}}},
-      {2, 3.141592653589793, 0, 100, 100, false, {{10, 20, 0, 0}, {110, 70, 100, 50}}},
-      {2, 4.71238898038469, 0, 100, 100, false, {{10, 20, 0, 0}, {110, 70, 100, 50}}},
-      {2, -rv::kQuarterTurn, 0, 100, 100, false, {{10, 20, 0, 0}, {110, 70, 100, 50}}},
-      // Half turn, other classes: translation (w, h).
-      {2, rv::kHalfTurn, 0, 100, 100, false, {{10, 20, 100, 50}, {110, 70, 0, 0}}},
-      // Quarter turn, other classes: translation (h, 0).
-      {2, rv::kQuarterTurn, 0, 100, 100, false, {{10, 20, 50, 0}, {110, 20, 50, 100}, {10, 70, 0, 0}}},
+  struct Row { uint16_t cls; double rotation; int32_t mirror; double scaleX, scaleY; bool baseOnly;
+               std::vector<std::array<double, 4>> maps; };
+  const Row rows[] = {
       // Three quarters, classes 0, 3, 4, 11: translation (w - h, w).
       {4, rv::kThreeQuarterTurn, 0, 100, 100, false, {{10, 20, 50, 100}, {110, 20, 50, 0}, {10, 70, 100, 100}}},
       // Quarter turn, classes 8, 9: translation (h, h - w).
@@ -86,7 +69,7 @@ TEST(Placement, RotationMirrorAndScale) {
       // t = sx w = 200, then x 2: (0,0) -> 400.
       {12, 0.0, 1, 200, 100, true, {{10, 20, 400, 0}}},
   };
-  for (const auto& row : rows) {
+  for (const Row& row : rows) {
     SCOPED_TRACE(::testing::Message() << row.cls << " " << row.rotation << " " << row.mirror);
     RVPLOTPARAM p = Param(row.cls);
     p.rotation = row.rotation;
@@ -154,11 +137,8 @@ TEST(BlockKey, SerpentineRowsOverTheWorkingArea) {
   c1.minY = 10;
   c1.areaWidth = 3000;
   c1.areaHeight = 95;
-  const struct {
-    const rv::BlockGrid& grid;
-    double x, y;
-    int32_t key;
-  } rows[] = {
+  struct Row { const rv::BlockGrid& grid; double x, y; int32_t key; };
+  const Row rows[] = {
       {g, 120, 30, 2},        {g, 120, 70, 21 + 19},  // odd rows run back
       {g, -5, 130, 42},                               // left of the area: a = 0
       {g, 1200, 0, 19},                               // beyond: a = extent - 1

@@ -15,11 +15,8 @@
 namespace {
 
 TEST(CommandTable, CellsHaveTheirExactBytes) {
-  const struct {
-    int row;
-    int dialect;
-    const char* bytes;
-  } cells[] = {
+  struct Cell { int row; int dialect; const char* bytes; };
+  const Cell cells[] = {
       {0, 0, "IN;IP0,0,1,1;"}, {0, 2, " "}, {0, 5, "ED3\rED4\rAP\rLC5000\rVL160000\rAV2\rCA0\rCM\rEC\r"},
       {0, 6, "%\nT1\nG01 X0 Y0\n"}, {1, 6, "%\nT0\nG01 X0 Y0\n"}, {2, 1, "ZB1;"},
       {3, 0, "PU%.2lf,%.2lf;"}, {3, 1, "PU%.2lf,%.2lf;"}, {3, 2, "M%.2lf,%.2lf\x03"},
@@ -80,11 +77,8 @@ std::string Fixed(double v, int precision) {
 TEST(NumberFormat, FixedMatchesTheCLibraryByteForByte) {
   // Exact ties (round half to even on the binary value), negative zero,
   // values that round to zero from below, carries into a new digit.
-  const struct {
-    double v;
-    int precision;
-    const char* expected;
-  } cases[] = {
+  struct Case { double v; int precision; const char* expected; };
+  const Case cases[] = {
       {0.125, 2, "0.12"},   {0.375, 2, "0.38"},    {2.5, 0, "2"},          {3.5, 0, "4"},
       {-0.0, 2, "-0.00"},   {-0.001, 2, "-0.00"},  {-4.4e-7, 2, "-0.00"},  {0.005, 2, "0.01"},
       {1.005, 2, "1.00"},   {9.995, 2, "9.99"},    {99.999, 2, "100.00"},  {-99.999, 1, "-100.0"},
@@ -166,10 +160,8 @@ TEST(ToolMap, MapsByExactNameElseByTheNumberInTheName) {
 }
 
 TEST(ToolMap, PropertyTableFindsNegativeToolsByTheirUnsignedValue) {
-  const struct {
-    int16_t pen;
-    bool found, usePress, useDepth, vCut;
-  } rows[] = {
+  struct Row { int16_t pen; bool found, usePress, useDepth, vCut; };
+  const Row rows[] = {
       {10, true, true, false, false},  {20, true, true, false, false},  {11, true, true, false, false},
       {15, true, true, false, false},  {25, true, true, false, false},  {35, true, true, false, false},
       {int16_t(0xFFF1), true, false, true, false},  // -15

@@ -58,16 +58,9 @@ std::string Block(const RVPLOTPARAM& p, const CondRecord& c, const ThetaExtensio
 TEST(ConditionBlock, EverySourceDialectAndTool) {
   const ThetaExtension theta{1, {1.5, 2, 2.25, -1, 0, 90}};
   const std::string all = "SP5;VS30,5;ZF100,5;ZO0.25;", zg = "ZG1.5,1;ZG2.0,2;ZG2.2,3;ZG-1.0,4;ZG0.0,5;ZG90.0,6;";
-  const struct {
-    uint16_t source;
-    int16_t dialect;
-    uint16_t machineType;
-    int32_t toolDefaults;
-    const char* tool;
-    int enables;
-    bool theta;
-    std::string expected;
-  } rows[] = {
+  struct Row { uint16_t source; int16_t dialect; uint16_t machineType; int32_t toolDefaults; const char* tool;
+               int enables; bool theta; std::string expected; };
+  const Row rows[] = {
       // Dialect 0: source 1 writes every value, the defaults where the
       // condition has none; source 3 only what it enables. Decimal speed for
       // machine types 7 and 10. A tool that maps to pen 0 takes the default pen.
@@ -180,37 +173,26 @@ std::string WrittenPath(const RVPLOTPARAM& param, const rv::CRvBezier& path, boo
   });
 }
 
-TEST(PathWriter, ClassesDirectionsStartSegmentAndMatrices) {
+TEST(PathWriter, DirectionsStartSegmentMatricesAndVGrooves) {
   // A closed square (0,0) (0,10) (10,10) (10,0), its start stored twice: the
   // closing curve from the repeated start to itself draws once more.
   rv::CRvBezier square;
   for (auto [x, y] : {std::pair{0, 0}, {0, 10}, {10, 10}, {10, 0}, {0, 0}}) square.AddPoint(Pt(x, y));
-  const struct {
-    uint16_t cls;
-    bool forward;
-    const char* expected;
-  } rows[] = {
-      {6, true, "PU0.00,0.00;PD0.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;PD0.00,0.00;"},
-      {2, true, "PU0.00,0.00;PD0.00,0.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;PD0.00,0.00;"},  // x first
-      {0, true, "PU0.00,10.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;PD0.00,10.00;PD0.00,10.00;"},  // x flip
-      {9, true, "PU0.00,10.00;PD0.00,10.00;PD0.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,10.00;"},  // y flip
-      // Backward: from the start to the repeated start first, then round the other way.
-      {6, false, "PU0.00,0.00;PD0.00,0.00;PD0.00,0.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;"},
-  };
-  for (const auto& row : rows) EXPECT_EQ(WrittenPath(Param(row.cls, 0), square, true, row.forward), row.expected);
+  EXPECT_EQ(WrittenPath(Param(6, 0), square, true),
+            "PU0.00,0.00;PD0.00,0.00;PD10.00,0.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;PD0.00,0.00;");
+  // Backward: from the start to the repeated start first, then round the other way.
+  EXPECT_EQ(WrittenPath(Param(6, 0), square, true, false),
+            "PU0.00,0.00;PD0.00,0.00;PD0.00,0.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;");
   // Start segment 2: from (10,10) round to it.
   square.EnsureAttr().word = uint32_t(2) << 16;
   EXPECT_EQ(WrittenPath(Param(6, 0), square, true),
             "PU10.00,10.00;PD10.00,10.00;PD0.00,10.00;PD0.00,0.00;PD0.00,0.00;PD10.00,0.00;PD10.00,10.00;");
 
+  // The art matrix, then the placement: shifted by (1, 2), then by (10, 0);
+  // without a move.
   rv::CRvBezier line;
   line.AddPoint(Pt(0, 0));
   line.AddPoint(Pt(20, 5));
-  RVPLOTPARAM p = Param(6, 2);
-  p.deviceUnit = 0.025;
-  EXPECT_EQ(WrittenPath(p, line, false), "M0.00,0.00\x03" "D0.00,0.00\x03" "D200.00,800.00\x03");
-  // The art matrix, then the placement: shifted by (1, 2), then by (10, 0);
-  // without a move.
   RVRIFMATRIX artMatrix = rv::kIdentity, placement = rv::kIdentity;
   artMatrix.tx = 1;
   artMatrix.ty = 2;
