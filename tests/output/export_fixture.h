@@ -27,12 +27,9 @@ inline RVRECT Rect(double left, double bottom, double right, double top) { retur
 // Unit scale, one drawing unit a device unit, a 1000 x 1000 working area.
 inline RVPLOTPARAM Param(uint16_t cls, int16_t dialect) {
   RVPLOTPARAM p{};
-  p.plotterClass = cls;
-  p.dialect = dialect;
-  p.deviceUnit = 1.0;
-  p.scaleX = p.scaleY = 100.0;
-  p.curveMaxLength = 31000.0;
-  p.curveTolerance = 0.03;
+  p.plotterClass = cls, p.dialect = dialect;
+  p.deviceUnit = 1.0, p.scaleX = p.scaleY = 100.0;
+  p.curveMaxLength = 31000.0, p.curveTolerance = 0.03;
   p.deviceMaxX = p.deviceMaxY = 1000.0;
   return p;
 }

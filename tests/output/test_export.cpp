@@ -99,10 +99,7 @@ TEST_F(ExportTest, PlacementByClassRotationMirrorAndScale) {
   for (const Row& row : rows) {
     RVPLOTPARAM p = Param(row.cls, 0);
     if (row.shifted) p.originX = 5, p.originY = 7, p.deviceMinX = 2, p.deviceMinY = 3;
-    p.rotation = row.rotation;
-    p.mirror = row.mirror;
-    p.scaleX = row.scaleX;
-    p.scaleY = row.scaleY;
+    p.rotation = row.rotation, p.mirror = row.mirror, p.scaleX = row.scaleX, p.scaleY = row.scaleY;
     EXPECT_EQ(Export(p), row.expected) << row.cls << " " << row.rotation;
   }
 }
@@ -119,8 +116,7 @@ TEST_F(ExportTest, Class10WritesTheHatchingKeysOnly) {
   RVPLOTPARAM p = Param(10, 0);
   p.usePlacementTransform = 1;
   p.placementScaleX = p.placementScaleY = 2;
-  p.placementOffsetX = 1;
-  p.placementOffsetY = 2;
+  p.placementOffsetX = 1, p.placementOffsetY = 2;
   EXPECT_EQ(Export(p), "PU3.00,4.00;PD3.00,4.00;PD5.00,4.00;PU;PU1.00,2.00;PD1.00,2.00;PD9.00,2.00;PU;");
   RvGiSetRefMapHatchingSIndex(-1);  // no range: nothing
   EXPECT_EQ(Export(p), "");
@@ -205,9 +201,7 @@ TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
     ProgressLog log;
     log.cancelAt = row.cancelAt;
     RVPLOTPARAM p = Param(row.cls, 0);
-    p.sortArts = row.sort;
-    p.expandDocument = 1;
-    p.marginLeft = 1;
+    p.sortArts = row.sort, p.expandDocument = 1, p.marginLeft = 1;
     uint32_t code = 0;
     EXPECT_EQ(Export(p, &code, &log), row.file);
     EXPECT_EQ(code, row.code);
@@ -224,9 +218,7 @@ TEST_F(ExportTest, ExpandDocumentAndFrame) {
   const RVRECT page = Rect(-5, -5, 50, 50);
   ASSERT_EQ(RvGiSetDocBoundingBox(&page), 0u);
   RVPLOTPARAM p = Param(6, 0);
-  p.expandDocument = 1;
-  p.marginLeft = 2;
-  p.marginBottom = 3;
+  p.expandDocument = 1, p.marginLeft = 2, p.marginBottom = 3;
   // The rectangle's lower left moves to (-2, -3) for the time of the job.
   EXPECT_EQ(Export(p), "PU3.00,2.00;PD3.00,2.00;PD3.00,12.00;PD7.00,12.00;PU;");
   RVRECT after{};
@@ -237,15 +229,10 @@ TEST_F(ExportTest, ExpandDocumentAndFrame) {
   // gives one pass without a block; the frame runs round (0,0)-(10 + 2, 4 + 4)
   // after a block of the defaults.
   p = Param(6, 0);
-  p.drawFrame = 1;
-  p.frameMarginX = 1;
-  p.frameMarginY = 2;
+  p.drawFrame = 1, p.frameMarginX = 1, p.frameMarginY = 2;
   p.conditionSource = 3;
   std::strcpy(p.conditionKey, "none");
-  p.defaultPen = 3;
-  p.defaultSpeed = 20;
-  p.defaultPress = 90;
-  p.defaultOffset = 0.25;
+  p.defaultPen = 3, p.defaultSpeed = 20, p.defaultPress = 90, p.defaultOffset = 0.25;
   EXPECT_EQ(Export(p), "PU2.00,1.00;PD2.00,1.00;PD2.00,11.00;PD6.00,11.00;PU;SP3;VS20,3;ZF90,3;ZO0.25;"
                        "PU8.00,0.00;PD8.00,12.00;PD0.00,12.00;PD0.00,0.00;PD8.00,0.00;PU8.00,0.00;");
 }
@@ -255,9 +242,7 @@ TEST_F(ExportTest, ExpandDocumentAndFrame) {
 TEST_F(ExportTest, RepeatCountsOfClosedAndOpenArts) {
   CondRecord fast = Condition("5");
   fast.hasSpeed = fast.hasPress = fast.hasOffset = 1;
-  fast.Speed = 30;
-  fast.Press = 100;
-  fast.Offset = 0.25;
+  fast.Speed = 30, fast.Press = 100, fast.Offset = 0.25;
   CondRecord slow = fast;
   slow.Speed = 10;
   for (const CondRecord* c : {&fast, &slow, &fast}) AddCondition("M3", *c);
@@ -280,9 +265,7 @@ TEST_F(ExportTest, RepeatCountsOfClosedAndOpenArts) {
   SetUp();
   AddCondition("Fold", Condition("CRE"));
   ASSERT_EQ(RvGiSetPathPlotInfo(AddPath({{0, 0}, {10, 0}}, false, "B"), 0, "Fold"), 0u);
-  p.conditionSource = 1;
-  p.doubleCreasePass = 1;
-  p.defaultPen = 4;
+  p.conditionSource = 1, p.doubleCreasePass = 1, p.defaultPen = 4;
   const std::string block = "SP4;VS0,4;ZF0,4;ZO0.00;";
   EXPECT_EQ(Export(p), block + kStroke + block + kStroke + "PU;");
   EXPECT_EQ(RvGetRepeatCount("Fold"), 1);
@@ -314,8 +297,7 @@ TEST_F(ExportTest, CurveOutputs) {
   AddCurve(Curve({15, 5}, {15, 10.523}, {10.523, 15}, {5, 15}), false, "A", 2, &box);
   AddPath({{0, 0}, {10, 0}}, false, "B", 2, &box);
   p = Param(6, 0);
-  p.curveOutput = 1;
-  p.deviceUnit = 0.5;
+  p.curveOutput = 1, p.deviceUnit = 0.5;
   EXPECT_EQ(Export(p), "PU10.00,30.00;PD;ZCAA-1,10.00,30.00,24.14,24.14,30.00,10.00,10.00,10.00;PU;"
                        "PU0.00,0.00;PD0.00,0.00;PD0.00,20.00;PD0.00,20.00;PU;");
 
@@ -340,32 +322,32 @@ TEST_F(ExportTest, BothSidesCutOfASharpTriangle) {
   b.in = {2 * third, 0}, b.out = {2 * third, h};
   c.in = {third, 2 * h}, c.out = {0, 2 * h};
   const std::string block = "SP1;VS20,1;ZF80,1;ZO0.30;";
-  struct Row { int16_t available; uint16_t cls; const char* expected; };  // expected null: not looked at
+  const char* whole = "PU0.00,0.00;PD0.00,0.00;PD0.00,100.00;PD20.00,0.00;PD0.00,0.00;PD0.00,0.00;PU;";
+  struct Row { int16_t available; uint16_t cls; double joint; const char* expected; };  // null: not looked at
   const Row rows[] = {
-      {1, 6,  // along the edge up to the joint, from the corner back to it, the rest
+      {1, 6, 25,  // along the edge up to the joint, from the corner back to it, the rest
        "PU0.00,0.00;PD0.00,0.00;PD0.00,75.00;PU0.00,100.00;PD0.00,100.00;PD0.00,75.00;"
        "PU0.00,100.00;PD0.00,100.00;PD20.00,0.00;PD0.00,0.00;PU;"},
-      {0, 6, "PU0.00,0.00;PD0.00,0.00;PD0.00,100.00;PD20.00,0.00;PD0.00,0.00;PD0.00,0.00;PU;"},  // cut whole
-      {1, 8, nullptr},  // class 8 has no both-sides pass
+      {0, 6, 25, whole},
+      {1, 6, 150, whole},     // the run of 100 up to the corner isn't longer than the joint
+      {1, 8, 25, nullptr},  // class 8 has no both-sides pass
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(::testing::Message() << row.available << " " << row.cls);
     SetUp();
     CondRecord cond = Condition("1");
     cond.hasSpeed = cond.hasPress = 1;
-    cond.Speed = 20;
-    cond.Press = 80;
-    cond.DivideCut = DivideCutRecord{row.available, 0, 30.0, 120.0, 0, 25.0};
+    cond.Speed = 20, cond.Press = 80;
+    cond.DivideCut = DivideCutRecord{row.available, 0, 30.0, 120.0, 0, row.joint};
     AddCondition("BS", cond);
     void* triangle = AddCurve({a, b, c, a}, true, "T");
     ASSERT_EQ(RvGiSetPathPlotInfo(triangle, 0, "BS"), 0u);
     RVPLOTPARAM p = Param(row.cls, 0);
-    p.conditionSource = 1;
-    p.defaultOffset = 0.3;
+    p.conditionSource = 1, p.defaultOffset = 0.3;
     const std::string file = Export(p);
     EXPECT_TRUE(row.expected == nullptr || file == block + row.expected) << file;
     char value[8] = "x";
-    const bool cut = row.expected != nullptr && row.available == 1;
+    const bool cut = row.expected != nullptr && row.expected != whole;
     EXPECT_EQ(RvGiGetArtTag(triangle, "RivlenKerflowBothSidesCutTag", value) == 0u, cut);
     if (!cut) continue;
     EXPECT_STREQ(value, "");
@@ -475,7 +457,7 @@ TEST_F(ExportTest, MillingAndMicroJointsAreNotCarriedYet) {
   RvGiSetRefMapRouterOffsetSIndex(m_map);
   RvGiSetRefMapRouterOffsetEIndex(m_map);
   uint32_t code = 0;
-  Export(Param(5, 0), &code);
+  EXPECT_EQ(Export(Param(5, 0), &code), "");
   EXPECT_EQ(code, 0x01001101u);
   RVPLOTPARAM p = Param(6, 0);
   p.outputMicroJoints = 1;
@@ -491,8 +473,7 @@ TEST_F(ExportTest, MillingAndMicroJointsAreNotCarriedYet) {
 // keep a milling record there, which has none.
 TEST_F(ExportTest, ThetaRowsOnlyFromThetaExtensions) {
   CondRecord c = Condition("5");
-  c.hasSpeed = 1;
-  c.Speed = 30;
+  c.hasSpeed = 1, c.Speed = 30;
   const ThetaExtension theta{1, {1.5, 2, 3, 4, 5, 6}};
   AddCondition("T", c, &theta);
   AddPath({{0, 0}, {10, 0}}, false, "A");

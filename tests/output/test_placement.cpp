@@ -72,10 +72,7 @@ TEST(Placement, RotationMirrorAndScale) {
   for (const Row& row : rows) {
     SCOPED_TRACE(::testing::Message() << row.cls << " " << row.rotation << " " << row.mirror);
     RVPLOTPARAM p = Param(row.cls);
-    p.rotation = row.rotation;
-    p.mirror = row.mirror;
-    p.scaleX = row.scaleX;
-    p.scaleY = row.scaleY;
+    p.rotation = row.rotation, p.mirror = row.mirror, p.scaleX = row.scaleX, p.scaleY = row.scaleY;
     ExpectMaps(row.baseOnly ? rv::BasePlacement(p, kJob) : rv::ComputePlacement(p, kJob), row.maps);
   }
 }
@@ -83,19 +80,14 @@ TEST(Placement, RotationMirrorAndScale) {
 TEST(Placement, TransformOfClasses8And10) {
   RVPLOTPARAM p = Param(10);
   p.usePlacementTransform = 1;
-  p.placementScaleX = 2;
-  p.placementScaleY = 3;
-  p.placementOffsetX = 4;
-  p.placementOffsetY = 5;
+  p.placementScaleX = 2, p.placementScaleY = 3, p.placementOffsetX = 4, p.placementOffsetY = 5;
   ExpectMaps(rv::ComputePlacement(p, kJob), {{10, 20, 4, 5}, {110, 70, 204, 155}});
-  p.plotterClass = 8;
-  p.placementRotation = 3.141592653589793;
+  p.plotterClass = 8, p.placementRotation = 3.141592653589793;
   // (x, y) -> (x, y - 50) -> (-x, 50 - y) -> (-x, 100 - y) -> (4 - x, 95 - y)
   ExpectMaps(rv::ComputePlacement(p, kJob), {{10, 20, 4, 95}, {110, 70, -96, 45}});
   p.plotterClass = 9;  // no transform outside 8 and 10
   ExpectMaps(rv::ComputePlacement(p, kJob), {{10, 20, 0, 0}});
-  p.plotterClass = 10;
-  p.usePlacementTransform = 0;
+  p.plotterClass = 10, p.usePlacementTransform = 0;
   ExpectMaps(rv::ComputePlacement(p, kJob), {{10, 20, 0, 0}});
 }
 
@@ -129,14 +121,9 @@ TEST(BlockKey, SerpentineRowsOverTheWorkingArea) {
   g.areaWidth = 1000;
   g.areaHeight = 500;
   rv::BlockGrid shifted = g;
-  shifted.minX = 100;  // x pairs with minY, y with minX outside class 1
-  shifted.minY = 7;
+  shifted.minX = 100, shifted.minY = 7;  // x pairs with minY, y with minX outside class 1
   rv::BlockGrid c1;  // class 1: 10 mm blocks over the height: 10 columns
-  c1.plotterClass = 1;
-  c1.minX = 5;
-  c1.minY = 10;
-  c1.areaWidth = 3000;
-  c1.areaHeight = 95;
+  c1.plotterClass = 1, c1.minX = 5, c1.minY = 10, c1.areaWidth = 3000, c1.areaHeight = 95;
   struct Row { const rv::BlockGrid& grid; double x, y; int32_t key; };
   const Row rows[] = {
       {g, 120, 30, 2},        {g, 120, 70, 21 + 19},  // odd rows run back

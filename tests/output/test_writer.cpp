@@ -23,26 +23,16 @@ CondRecord Cutting(const char* tool, int enables = 7) {
   c.hasSpeed = enables & 1;
   c.hasPress = (enables >> 1) & 1;
   c.hasOffset = (enables >> 2) & 1;
-  c.Speed = 30;
-  c.SpeedDecimal = 12.5;
-  c.Press = 100;
-  c.Offset = 0.25;
-  c.WDZUnit = 2;
-  c.Thickness = c.ZPosition = 0.25;
+  c.Speed = 30, c.SpeedDecimal = 12.5, c.Press = 100, c.Offset = 0.25;
+  c.WDZUnit = 2, c.Thickness = c.ZPosition = 0.25;
   return c;
 }
 
 // Defaults: pen 7, speed 11 (exact 2.5), pressure 44, offset 0.5.
 RVPLOTPARAM BlockParam(uint16_t source, int16_t dialect, uint16_t machineType = 0, int32_t toolDefaults = 0) {
   RVPLOTPARAM p = Param(6, dialect);
-  p.conditionSource = source;
-  p.machineType = machineType;
-  p.writeToolDefaults = toolDefaults;
-  p.defaultPen = 7;
-  p.defaultSpeed = 11;
-  p.defaultSpeedExact = 2.5;
-  p.defaultPress = 44;
-  p.defaultOffset = 0.5;
+  p.conditionSource = source, p.machineType = machineType, p.writeToolDefaults = toolDefaults;
+  p.defaultPen = 7, p.defaultSpeed = 11, p.defaultSpeedExact = 2.5, p.defaultPress = 44, p.defaultOffset = 0.5;
   return p;
 }
 
@@ -122,31 +112,24 @@ TEST(ConditionBlock, VGroovesLaserAndCoating) {
   // 0.5 added: type 2 -> 1, not 1 -> 0, -(0.25 * 10) -> -2, 0.35 * 10 -> 3,
   // the first Theta value 4.5 * 10 -> 45. No Theta rows follow.
   CondRecord v = Cutting("17");
-  v.VCutType = 2;
-  v.VCutOffset = 0.35;
+  v.VCutType = 2, v.VCutOffset = 0.35;
   ThetaExtension theta{1, {4.5, 1, 2, 3, 4, 5}};
   uint8_t vCut = 0;
   const RVPLOTPARAM p = BlockParam(1, 1, 0, 1);
   EXPECT_EQ(Block(p, v, &theta, &vCut), "DF1;JT17,2;VS12.5,17;VT1,0,-2,3,45;");
   EXPECT_EQ(vCut, 1);
-  v.VCutType = 1;
-  theta.Available = 0;
+  v.VCutType = 1, theta.Available = 0;
   EXPECT_EQ(Block(p, v), "DF1;JT17,2;VS12.5,17;VT0,1,-2,3,0;");
 
   CondRecord laser{};
-  laser.LaserSpeed = 50;   // 50 % of 707000
-  laser.LaserPower = 0.5;  // times 100
-  laser.LaserFreq = 20;
+  laser.LaserSpeed = 50, laser.LaserPower = 0.5, laser.LaserFreq = 20;  // 50 % of 707000, power times 100
   EXPECT_EQ(Block(BlockParam(1, 5), laser), "VS353500\rLP50\rLF20\r");
   EXPECT_EQ(Block(BlockParam(3, 5), laser), "VS353500\rLP50\rLF20\r");
 
   CondRecord coat{};
   std::strcpy(coat.NozzleRotation, "12");
-  coat.CoatingSpeed = 10;
-  coat.SpeedAdjust = 0.5;  // (10 + 0.5) * 60
-  coat.MediaThickness = 1.25;
-  coat.Gap = 0.5;
-  coat.MisalignmentCorrect = 0.1;
+  coat.CoatingSpeed = 10, coat.SpeedAdjust = 0.5;  // (10 + 0.5) * 60
+  coat.MediaThickness = 1.25, coat.Gap = 0.5, coat.MisalignmentCorrect = 0.1;
   EXPECT_EQ(Block(BlockParam(1, 6), coat),
             "CoatingNozzleRotation 12\nF630.00\nG01 Z1.75\nCoatingFillMode 0\nCoatingConstantMoveOffset 0.10\n");
 }
@@ -165,10 +148,15 @@ std::string Written(const RVPLOTPARAM& param, Body&& body) {
   return rvtest::ReadFile(path);
 }
 
-std::string WrittenPath(const RVPLOTPARAM& param, const rv::CRvBezier& path, bool closed, bool forward = true) {
+// One path component through the path writer, placed by `placement` for the
+// rectangle (0,0)-(10,10).
+std::string WrittenPath(const RVPLOTPARAM& param, const rv::CRvBezier& path, bool closed, bool forward = true,
+                        const RVRIFMATRIX& artMatrix = rv::kIdentity, const RVRIFMATRIX& placement = rv::kIdentity,
+                        int needMove = 1, uint8_t vCut = 0) {
   return Written(param, [&](rv::CRvRVLFormat& f) {
-    int needMove = 1;
-    f.WritePath(path, rv::kIdentity, closed, forward, needMove);
+    f.SetPlacement(placement, Rect(0, 0, 10, 10));
+    f.m_vCut = vCut;
+    f.WritePath(path, artMatrix, closed, forward, needMove);
     EXPECT_EQ(needMove, 0);
   });
 }
@@ -194,40 +182,20 @@ TEST(PathWriter, DirectionsStartSegmentMatricesAndVGrooves) {
   line.AddPoint(Pt(0, 0));
   line.AddPoint(Pt(20, 5));
   RVRIFMATRIX artMatrix = rv::kIdentity, placement = rv::kIdentity;
-  artMatrix.tx = 1;
-  artMatrix.ty = 2;
+  artMatrix.tx = 1, artMatrix.ty = 2;
   placement.tx = 10;
-  EXPECT_EQ(Written(Param(6, 4),
-                    [&](rv::CRvRVLFormat& f) {
-                      f.SetPlacement(placement, Rect(0, 0, 10, 10));
-                      int needMove = 0;
-                      f.WritePath(line, artMatrix, false, true, needMove);
-                    }),
-            "PD2.00,11.00;PD7.00,31.00;");
+  EXPECT_EQ(WrittenPath(Param(6, 4), line, false, true, artMatrix, placement, 0), "PD2.00,11.00;PD7.00,31.00;");
   // A V groove draws with its own row.
-  EXPECT_EQ(Written(Param(6, 1),
-                    [&](rv::CRvRVLFormat& f) {
-                      f.m_vCut = 1;
-                      int needMove = 1;
-                      f.WritePath(line, rv::kIdentity, false, true, needMove);
-                    }),
+  EXPECT_EQ(WrittenPath(Param(6, 1), line, false, true, rv::kIdentity, rv::kIdentity, 1, 1),
             "PU0.00,0.00;VA0.00,0.00;VA5.00,20.00;");
 }
 
 TEST(PathWriter, FrameRoundTheJob) {
   RVPLOTPARAM p = Param(0, 0);
   p.conditionSource = 1;
-  p.defaultPen = 2;
-  p.defaultSpeed = 30;
-  p.defaultPress = 80;
-  p.defaultOffset = 0.25;
-  p.originX = 5;
-  p.originY = 6;
-  p.deviceMinX = 1;
-  p.deviceMinY = 2;
-  p.frameMarginX = 3;
-  p.frameMarginY = 4;
-  p.scaleX = 50;
+  p.defaultPen = 2, p.defaultSpeed = 30, p.defaultPress = 80, p.defaultOffset = 0.25;
+  p.originX = 5, p.originY = 6, p.deviceMinX = 1, p.deviceMinY = 2;
+  p.frameMarginX = 3, p.frameMarginY = 4, p.scaleX = 50;
   auto frame = [&](const RVPLOTPARAM& param) {
     return Written(param, [&](rv::CRvRVLFormat& f) {
       f.SetPlacement(rv::kIdentity, Rect(0, 0, 100, 40));
@@ -238,8 +206,7 @@ TEST(PathWriter, FrameRoundTheJob) {
   // q1 = 50 + 6 + 6 = 62.
   EXPECT_EQ(frame(p), "SP2;VS30,2;ZF80,2;ZO0.25;"
                       "PU56.00,6.00;PD56.00,62.00;PD8.00,62.00;PD8.00,6.00;PD56.00,6.00;PU56.00,6.00;");
-  p.machineType = 7;
-  p.defaultSpeedExact = 12.25;
+  p.machineType = 7, p.defaultSpeedExact = 12.25;
   p.plotterClass = 1;  // p and q exchange
   EXPECT_EQ(frame(p), "SP2;VS12.2,2;ZF80,2;ZO0.25;"
                       "PU62.00,8.00;PD62.00,56.00;PD6.00,56.00;PD6.00,8.00;PD62.00,8.00;PU62.00,8.00;");
@@ -248,9 +215,7 @@ TEST(PathWriter, FrameRoundTheJob) {
   p.rotation = 0.5;  // any rotation but 0 and a half turn exchanges a and b
   // a = 100, b = 40: p1 = 100 + 8 + 8 = 116, q1 = 20 + 6 + 6 = 32.
   EXPECT_EQ(frame(p), "DF1;PU116.00,6.00;PD116.00,32.00;PD8.00,32.00;PD8.00,6.00;PD116.00,6.00;PU116.00,6.00;");
-  p.conditionSource = 0;
-  p.dialect = 2;
-  p.deviceUnit = 2.0;
+  p.conditionSource = 0, p.dialect = 2, p.deviceUnit = 2.0;
   EXPECT_EQ(frame(p), "M58.00,3.00\x03" "D58.00,16.00\x03" "D4.00,16.00\x03" "D4.00,3.00\x03" "D58.00,3.00\x03"
                       "M58.00,3.00\x03");
 }
