@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "filed_drawing.h"
 #include "output/rvl_format.h"
 #include "rvdataaccess.h"
 
@@ -64,30 +65,16 @@ BENCHMARK(BM_PathWriterDialect0)->Unit(benchmark::kMillisecond);
 // by RvExRIFToRVL (placement, passes, writer).
 void BM_WholeExportDialect0(benchmark::State& state) {
   RvGiDeleteRefMapTable();
-  int16_t document = -1, map = -1;
-  void* layer = nullptr;
-  RvGiCreateDocument(0, &document);
-  RvGiCreateLayer(1, nullptr, &layer);
-  RvGiCreateRefMapTable(&map);
-  RvGiSetRefMapIndex(map);
+  const rvbench::FiledDrawing drawing = rvbench::NewFiledDrawing();
+  RVBEZIERPOINT points[kSegments + 1];
   for (int k = 0; k < kPaths; ++k) {
-    void* path = nullptr;
-    void* bezier = nullptr;
-    RvGiCreateArt(4, 5, layer, &path);
-    RvGiCreateArt(2, 5, path, &bezier);
-    for (int i = 0; i <= kSegments; ++i) {
-      const RVBEZIERPOINT p = Point(k, i);
-      RvGiAddBezierPoint(bezier, &p);
-    }
-    RvGiSetPathAttrFlag(path, 2);
-    RVRECT box{1200.0, 0.0, 4000.0, 0.0};
-    RvGiSetBoundingBox(path, &box);
-    RvGiAddRefMapData(map, k % 2 == 0 ? "even" : "odd", 2, path);
+    for (int i = 0; i <= kSegments; ++i) points[i] = Point(k, i);
+    AddFiledPath(drawing, k % 2 == 0 ? "even" : "odd", points, kSegments + 1, RVRECT{1200.0, 0.0, 4000.0, 0.0});
   }
   const RVPLOTPARAM param = Param();
   int64_t segments = 0;
   for (auto _ : state) {
-    if (RvExRIFToRVL("/dev/null", document, &param, nullptr) != 0) state.SkipWithError("export failed");
+    if (RvExRIFToRVL("/dev/null", drawing.document, &param, nullptr) != 0) state.SkipWithError("export failed");
     segments += int64_t(kPaths) * kSegments;
   }
   state.counters["segments/s"] = benchmark::Counter(double(segments), benchmark::Counter::kIsRate);

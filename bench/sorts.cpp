@@ -4,6 +4,7 @@
 #include <random>
 #include <vector>
 
+#include "filed_drawing.h"
 #include "geometry/affine.h"
 #include "output/art_sort.h"
 #include "output/block_key.h"
@@ -91,30 +92,16 @@ BENCHMARK(BM_KeyOrderAndBounds)->Unit(benchmark::kMillisecond);
 void MakeDrawing() {
   RvGiDeleteRefMapTable();
   RvGiDeleteAllDocuments();
-  int16_t document = -1, map = -1;
-  void* layer = nullptr;
-  RvGiCreateDocument(0, &document);
-  RvGiCreateLayer(1, nullptr, &layer);
-  RvGiCreateRefMapTable(&map);
-  RvGiSetRefMapIndex(map);
+  const rvbench::FiledDrawing drawing = rvbench::NewFiledDrawing();
   std::mt19937 gen(7);
   std::uniform_real_distribution<double> x(0, 2000), y(0, 1000), size(1, 20);
   for (int i = 0; i < kArts; ++i) {
     const double px = x(gen), py = y(gen);
     const double w = i % 500 == 0 ? 300 : size(gen), h = i % 500 == 0 ? 200 : size(gen);
-    void* path = nullptr;
-    void* bezier = nullptr;
-    RvGiCreateArt(4, 5, layer, &path);
-    RvGiCreateArt(2, 5, path, &bezier);
-    for (RVPOINT q : {RVPOINT{px, py}, RVPOINT{px + w, py}, RVPOINT{px + w, py + h}}) {
-      RVBEZIERPOINT p{};
-      p.anchor = p.in = p.out = q;
-      RvGiAddBezierPoint(bezier, &p);
-    }
-    RvGiSetPathAttrFlag(path, 2);
-    RVRECT box{py + h, px, px + w, py};
-    RvGiSetBoundingBox(path, &box);
-    RvGiAddRefMapData(map, "arts", 2, path);
+    const RVPOINT corners[3] = {{px, py}, {px + w, py}, {px + w, py + h}};
+    RVBEZIERPOINT points[3]{};
+    for (int k = 0; k < 3; ++k) points[k].anchor = points[k].in = points[k].out = corners[k];
+    AddFiledPath(drawing, "arts", points, 3, RVRECT{py + h, px, px + w, py});
   }
   RVRECT page{1000, 0, 2000, 0};
   RvGiSetDocBoundingBox(&page);

@@ -130,6 +130,24 @@ void CRvArtSort::OrderByKey(void* context) {
   SortEntriesByKey(m_entries);
 }
 
+template <class Walk>
+uint32_t CRvArtSort::Collect(void* context, bool openFirst, bool keepPartial, Walk&& walk) {
+  return Guard([&] {
+    if (openFirst) OpenStage(context);
+    auto collect = [this](CRvArt* art, void*) {
+      AddArt(art);
+      return 0u;
+    };
+    if (keepPartial) {
+      (void)Guard([&] { walk(collect); });
+    } else {
+      walk(collect);
+    }
+    OrderByKey(context);
+    Refine(context);
+  });
+}
+
 // -------------------------------------------------------- CRvBlockBubbleSort
 
 CRvBlockBubbleSort::CRvBlockBubbleSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
@@ -171,37 +189,24 @@ void CRvBlockBubbleSort::Refine(void* context) {
                        [&](std::size_t done) { Step(context, RefinePercent(done, total)); });
 }
 
+// The block sort opens its stage only with the key order, and a failed
+// walk fails the sort.
 uint32_t CRvBlockBubbleSort::SortByKey(void* context, const std::string& key, int32_t drill) {
-  return Guard([&] {
-    m_entries.clear();
-    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
-      AddArt(art);
-      return 0u;
-    });
-    OrderByKey(context);
-    Refine(context);
+  m_entries.clear();
+  return Collect(context, false, false, [&](auto collect) {
+    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, collect);
   });
 }
 
 uint32_t CRvBlockBubbleSort::SortByOrder(void* context, int16_t& order, int32_t drill) {
-  return Guard([&] {
-    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, [&](CRvArt* art, void*) {
-      AddArt(art);
-      return 0u;
-    });
-    OrderByKey(context);
-    Refine(context);
+  return Collect(context, false, false, [&](auto collect) {
+    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, collect);
   });
 }
 
 uint32_t CRvBlockBubbleSort::SortTable(void* context, int32_t drill) {
-  return Guard([&] {
-    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
-      AddArt(art);
-      return 0u;
-    });
-    OrderByKey(context);
-    Refine(context);
+  return Collect(context, false, false, [&](auto collect) {
+    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, collect);
   });
 }
 
@@ -232,62 +237,33 @@ void CRvArtSortByBounds::Refine(void* context) {
   RefineByBounds(m_entries, boxes, [&](std::size_t index) { Step(context, RefinePercent(index, total)); });
 }
 
-// The walks of the bounds sort don't look at their result: the arts that were
-// collected before a failure are sorted and written.
+// The bounds sort opens a stage of its own before the walk. Its walks of
+// keys and tables don't look at their result: the arts that were collected
+// before a failure are sorted and written. A failed cut-order walk fails it.
 uint32_t CRvArtSortByBounds::SortByKey(void* context, const std::string& key, int32_t drill) {
-  return Guard([&] {
-    m_entries.clear();
-    OpenStage(context);
-    (void)Guard([&] {
-      RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
-        AddArt(art);
-        return 0u;
-      });
-    });
-    OrderByKey(context);
-    Refine(context);
+  m_entries.clear();
+  return Collect(context, true, true, [&](auto collect) {
+    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, collect);
   });
 }
 
 uint32_t CRvArtSortByBounds::SortByOrder(void* context, int16_t& order, int32_t drill) {
-  return Guard([&] {
-    OpenStage(context);
-    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, [&](CRvArt* art, void*) {
-      AddArt(art);
-      return 0u;
-    });
-    OrderByKey(context);
-    Refine(context);
+  return Collect(context, true, false, [&](auto collect) {
+    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, collect);
   });
 }
 
 uint32_t CRvArtSortByBounds::SortTable(void* context, int32_t drill) {
-  return Guard([&] {
-    OpenStage(context);
-    (void)Guard([&] {
-      RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
-        AddArt(art);
-        return 0u;
-      });
-    });
-    OrderByKey(context);
-    Refine(context);
+  return Collect(context, true, true, [&](auto collect) {
+    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, collect);
   });
 }
 
 uint32_t CRvArtSortByBounds::SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) {
-  return Guard([&] {
-    OpenStage(context);
+  return Collect(context, true, false, [&](auto collect) {
     for (int t = first; t <= last; ++t) {
-      (void)Guard([&] {
-        RefMapStore::Instance().Trace(int16_t(t), kRefMapOutput, drill != 0, [&](CRvArt* art, void*) {
-          AddArt(art);
-          return 0u;
-        });
-      });
+      (void)Guard([&] { RefMapStore::Instance().Trace(int16_t(t), kRefMapOutput, drill != 0, collect); });
     }
-    OrderByKey(context);
-    Refine(context);
   });
 }
 

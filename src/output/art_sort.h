@@ -72,6 +72,16 @@ class CRvArtSort {
   void OrderByKey(void* context);
   /// The table of the main output (RvGiSetRefMapIndex).
   static int16_t MainTable();
+  /// The entry of one art of a walk, appended to m_entries.
+  virtual void AddArt(void* art) = 0;
+  /// The class's own refinement of the key order.
+  virtual void Refine(void* context) = 0;
+  /// One sort, under Guard: opens a stage first if `openFirst`; runs
+  /// walk(collect), where collect is the RefMap callback that adds each art
+  /// (a failure of the walk is dropped if `keepPartial`, so that the arts
+  /// collected before it are sorted); then orders by key and refines.
+  template <class Walk>
+  uint32_t Collect(void* context, bool openFirst, bool keepPartial, Walk&& walk);
   BlockGrid m_grid;
 };
 
@@ -85,10 +95,10 @@ class CRvBlockBubbleSort : public CRvArtSort {
 
   /// The entry builder of a walk: key 10500 for excluded arts, else the
   /// block key; value 0.
-  void AddArt(void* art);
+  void AddArt(void* art) override;
 
  private:
-  void Refine(void* context);
+  void Refine(void* context) override;
 };
 
 class CRvArtSortByBounds : public CRvArtSort {
@@ -101,10 +111,10 @@ class CRvArtSortByBounds : public CRvArtSort {
 
   /// The entry builder of a walk: key 52500 for excluded arts, else the
   /// block key; value the perimeter of the art's bounds.
-  void AddArt(void* art);
+  void AddArt(void* art) override;
 
  private:
-  void Refine(void* context);
+  void Refine(void* context) override;
 };
 
 }  // namespace rv

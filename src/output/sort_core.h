@@ -176,23 +176,20 @@ void RefineByBounds(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& box
   // Conservative common box of each chunk: only ever grown, so a chunk that
   // it rules out really holds no candidate.
   std::vector<IntRect> summary(chunks);
-  for (std::size_t c = 0; c < chunks; ++c) {
-    IntRect s = boxes[c * kChunk];
-    for (std::size_t k = c * kChunk + 1; k < std::min(n, (c + 1) * kChunk); ++k) {
-      s.left = std::min(s.left, boxes[k].left);
-      s.top = std::min(s.top, boxes[k].top);
-      s.right = std::max(s.right, boxes[k].right);
-      s.bottom = std::max(s.bottom, boxes[k].bottom);
-    }
-    summary[c] = s;
-  }
-  auto grow = [&](std::size_t k) {
+  auto grow = [&](std::size_t k) {  // the box of k into its chunk's
     IntRect& s = summary[k / kChunk];
     s.left = std::min(s.left, boxes[k].left);
     s.top = std::min(s.top, boxes[k].top);
     s.right = std::max(s.right, boxes[k].right);
     s.bottom = std::max(s.bottom, boxes[k].bottom);
   };
+  for (std::size_t k = 0; k < n; ++k) {
+    if (k % kChunk == 0) {
+      summary[k / kChunk] = boxes[k];
+    } else {
+      grow(k);
+    }
+  }
   auto inflated = [](IntRect r) {  // saturating at the 32-bit limits
     if (r.top > INT32_MIN) r.top -= 1;
     if (r.right < INT32_MAX) r.right += 1;

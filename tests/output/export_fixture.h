@@ -1,6 +1,6 @@
-// A small drawing for whole-export tests: a document with one layer, a main
-// RefMap table, paths of straight segments filed under keys, and the export
-// of the active document into a temporary file.
+// Shared by the output tests: points, rectangles, a parameter block, and a
+// small drawing (one layer, a main RefMap table, paths filed under keys)
+// exported into a temporary file.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -18,28 +18,33 @@ namespace rvtest {
 
 inline RVBEZIERPOINT Pt(double x, double y) {
   RVBEZIERPOINT p{};
-  p.anchor = {x, y};
-  p.in = p.anchor;
-  p.out = p.anchor;
+  p.anchor = p.in = p.out = {x, y};
   return p;
 }
 
-inline RVRECT Rect(double left, double bottom, double right, double top) {
-  RVRECT r;
-  r.left = left;
-  r.bottom = bottom;
-  r.right = right;
-  r.top = top;
+inline RVRECT Rect(double left, double bottom, double right, double top) { return RVRECT{top, left, right, bottom}; }
+
+// Unit scale, one drawing unit a device unit, a 1000 x 1000 working area.
+inline RVPLOTPARAM Param(uint16_t cls, int16_t dialect) {
+  RVPLOTPARAM p{};
+  p.plotterClass = cls, p.dialect = dialect;
+  p.deviceUnit = 1.0, p.scaleX = p.scaleY = 100.0;
+  p.curveMaxLength = 31000.0, p.curveTolerance = 0.03;
+  p.deviceMaxX = p.deviceMaxY = 1000.0;
+  return p;
+}
+
+inline CondRecord Condition(const char* tool) {
+  CondRecord r{};
+  std::strncpy(r.Tool, tool, sizeof r.Tool - 1);
+  r.DivideCut.Available = -1;
   return r;
 }
 
 class ExportTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    RvGiSetProgressFunction(nullptr, nullptr, nullptr, nullptr, nullptr);
-    ASSERT_EQ(RvGiDeleteRefMapTable(), 0u);
-    ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
-    ASSERT_EQ(RvDeleteAllCutCondition(), 0u);
+    TearDown();  // a clean slate, whatever ran before
     ASSERT_EQ(RvGiCreateDocument(0, &m_document), 0u);
     ASSERT_EQ(RvGiCreateLayer(1, nullptr, &m_layer), 0u);
     ASSERT_EQ(RvGiCreateRefMapTable(&m_map), 0u);
@@ -51,81 +56,53 @@ class ExportTest : public ::testing::Test {
   }
   void TearDown() override {
     RvGiSetProgressFunction(nullptr, nullptr, nullptr, nullptr, nullptr);
-    RvGiDeleteRefMapTable();
-    RvGiDeleteAllDocuments();
-    RvDeleteAllCutCondition();
+    ASSERT_EQ(RvGiDeleteRefMapTable(), 0u);
+    ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
+    ASSERT_EQ(RvDeleteAllCutCondition(), 0u);
   }
 
-  // A path through `points` (handles on the anchors), attribute flags
-  // `flags`, bounds as given (or those of the anchors), filed under `key`.
+  // A path through `points` (handles on the anchors) with attribute flags
+  // `flags`, bounds as given or those of the anchors, filed under `key`.
   void* AddPath(const std::vector<std::pair<double, double>>& points, bool closed, const char* key = "K",
                 uint8_t flags = 2, const RVRECT* bounds = nullptr) {
     std::vector<RVBEZIERPOINT> records;
     for (auto [x, y] : points) records.push_back(Pt(x, y));
     return AddCurve(records, closed, key, flags, bounds);
   }
-
   void* AddCurve(const std::vector<RVBEZIERPOINT>& records, bool closed, const char* key = "K", uint8_t flags = 2,
                  const RVRECT* bounds = nullptr) {
     void* path = nullptr;
-    EXPECT_EQ(RvGiCreateArt(4, 5, m_layer, &path), 0u);
     void* bezier = nullptr;
+    EXPECT_EQ(RvGiCreateArt(4, 5, m_layer, &path), 0u);
     EXPECT_EQ(RvGiCreateArt(2, 5, path, &bezier), 0u);
     RVRECT box = Rect(1e300, 1e300, -1e300, -1e300);
     for (const RVBEZIERPOINT& p : records) {
       EXPECT_EQ(RvGiAddBezierPoint(bezier, &p), 0u);
-      box.left = std::min(box.left, p.anchor.x);
-      box.right = std::max(box.right, p.anchor.x);
-      box.bottom = std::min(box.bottom, p.anchor.y);
-      box.top = std::max(box.top, p.anchor.y);
+      box = Rect(std::min(box.left, p.anchor.x), std::min(box.bottom, p.anchor.y), std::max(box.right, p.anchor.x),
+                 std::max(box.top, p.anchor.y));
     }
-    if (bounds != nullptr) box = *bounds;
     EXPECT_EQ(RvGiSetPathClosed(path, closed ? 1 : 0), 0u);
     EXPECT_EQ(RvGiSetPathAttrFlag(path, flags), 0u);
-    EXPECT_EQ(RvGiSetBoundingBox(path, &box), 0u);
-    if (key != nullptr) {
-      EXPECT_EQ(RvGiAddRefMapData(m_map, key, 2, path), 0u);
-    }
+    EXPECT_EQ(RvGiSetBoundingBox(path, bounds != nullptr ? bounds : &box), 0u);
+    EXPECT_TRUE(key == nullptr || RvGiAddRefMapData(m_map, key, 2, path) == 0u) << key;
     return path;
   }
 
-  static RVPLOTPARAM Param(uint16_t cls, int16_t dialect) {
-    RVPLOTPARAM p{};
-    p.plotterClass = cls;
-    p.dialect = dialect;
-    p.deviceUnit = 1.0;
-    p.scaleX = p.scaleY = 100.0;
-    p.curveMaxLength = 31000.0;
-    p.curveTolerance = 0.03;
-    p.deviceMaxX = 1000.0;
-    p.deviceMaxY = 1000.0;
-    return p;
-  }
-
-  // Exports the document and returns the file's bytes; `code` gets the result.
+  // Exports the document and returns the file's bytes; `code` gets the
+  // result, which must be 0 without it.
   std::string Export(const RVPLOTPARAM& param, uint32_t* code = nullptr, void* context = nullptr) {
     TempDir dir;
     const std::string file = dir.file("job.rvl");
     const uint32_t result = RvExRIFToRVL(file.c_str(), m_document, &param, context);
-    if (code != nullptr) {
-      *code = result;
-    } else {
-      EXPECT_EQ(result, 0u);
-    }
+    EXPECT_TRUE(code != nullptr || result == 0u) << std::hex << result;
+    if (code != nullptr) *code = result;
     return ReadFile(file);
   }
 
-  // Adds a condition to media `key` at the end of its passes.
+  // Adds a pass with `record` at the end of the passes of media `key`.
   static void AddCondition(const char* key, const CondRecord& record, const ThetaExtension* theta = nullptr) {
     CondPair pair{&record, theta};
     EXPECT_EQ(RvAddCutCondition(key, RvGetRepeatCount(key), &pair), 0u);
-  }
-
-  static CondRecord Condition(const char* tool) {
-    CondRecord r{};
-    std::strncpy(r.Tool, tool, sizeof r.Tool - 1);
-    r.DivideCut.Available = -1;
-    return r;
   }
 
   int16_t m_document = -1;
