@@ -54,43 +54,6 @@ TEST(ArtTree, ListsDestroyTheirSubtreesInListOrderUnlessReleased) {
   EXPECT_EQ(layer.ChildCount(), 1u);
 }
 
-TEST(ArtTree, CopiesKeepPlaceAndGeometryButNoChildrenTagsOrAttributes) {
-  CRvLayer layer;
-  auto* source = new CRvPath;
-  layer.AddChild(1, source);
-  source->m_parent = &layer;
-  source->m_closed = 1;
-  source->m_clockwise = 2;
-  source->m_matrix.tx = 4;
-  source->m_bounds = RVRECT{1, 2, 3, 4};
-  source->SetTag("k", "v");
-  source->EnsureAttr().word = 7;
-  source->AddChild(1, new CRvBezier);
-  std::unique_ptr<CRvArt> copy = CopyArt(*source);
-  auto* path = static_cast<CRvPath*>(copy.get());
-  EXPECT_EQ(path->m_parent, &layer);
-  EXPECT_EQ((std::vector<double>{double(path->m_closed), double(path->m_clockwise), path->m_matrix.tx,
-                                 path->m_bounds.right}),
-            (std::vector<double>{1, 2, 4, 3}));
-  EXPECT_EQ(path->ChildCount(), 0u);
-  EXPECT_TRUE(path->m_tags.empty());
-  EXPECT_EQ(path->AttrFlags(), 0);
-
-  CRvBezier bez;
-  bez.AddPoint(RVBEZIERPOINT{{1, 1}, {1, 1}, {1, 1}, 0});
-  bez.SetStartIn(RVPOINT{5, 6});
-  bez.m_startOutSet = 1;
-  auto bcopy = CopyArt(bez);
-  auto* b2 = static_cast<CRvBezier*>(bcopy.get());
-  EXPECT_EQ(b2->GetPointCount(), 1);
-  EXPECT_EQ(b2->m_startIn.y, 6);
-  EXPECT_EQ(b2->m_startOutSet, 1);
-  EXPECT_EQ(CopyArt(layer), nullptr);
-  EXPECT_EQ(MakeArt(0), nullptr);
-  EXPECT_EQ(MakeArt(7), nullptr);
-  for (int16_t t = 1; t <= 6; ++t) EXPECT_EQ(MakeArt(t)->GetType(), t);
-}
-
 TEST(ArtTree, TagsAreOrderedBytewiseAndAColourlessLayerHasNoName) {
   CRvGroup g;
   for (const char* key : {"b", "a", "\xC3\xA9", "ab", "B", ""}) g.SetTag(key, key);

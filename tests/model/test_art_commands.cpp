@@ -140,8 +140,13 @@ TEST_F(Drawing, CopiesFollowTheCopyingRules) {
   void* layer = Layer();
   void* path = PathOf({Pt(1, 2)});
   RVCOLOR red{nullptr, 1, {255, 0, 0, 0}}, blue{nullptr, 1, {0, 0, 255, 0}};
+  const RVRIFMATRIX shift{1, 0, 0, 1, 4, 0};
+  const RVRECT bounds{1, 2, 3, 4};
   ASSERT_EQ(RvGiSetPathColor(2, path, &red, "R=255,G=0,B=0"), 0u);
   ASSERT_EQ(RvGiSetPathClosed(path, 1), 0u);
+  ASSERT_EQ(RvGiSetPathClockWise(path, 2), 0u);
+  ASSERT_EQ(RvGiSetArtMatrix(path, &shift), 0u);
+  ASSERT_EQ(RvGiSetBoundingBox(path, &bounds), 0u);
   ASSERT_EQ(RvGiSetPathAttrFlag(path, 7), 0u);
   ASSERT_EQ(RvGiSetArtTag(path, "k", "v"), 0u);
   void* copy = nullptr;
@@ -149,7 +154,8 @@ TEST_F(Drawing, CopiesFollowTheCopyingRules) {
   EXPECT_EQ(Children(layer), (Arts{copy, path}));
   EXPECT_TRUE(Children(copy).empty()) << "children aren't copied";
   EXPECT_EQ(ColorName(2, copy), "R=255,G=0,B=0");
-  EXPECT_EQ(Read(RvGiGetPathClosed, copy), 1);
+  EXPECT_EQ((V{double(Read(RvGiGetPathClosed, copy)), double(Read(RvGiGetPathClockWise, copy))}), (V{1, 2}));
+  EXPECT_EQ(Rect(Read(RvGiGetArtBounds, copy)), (V{1, 6, 7, 4})) << "the bounds and the matrix go with it";
   EXPECT_EQ(Read<uint8_t>(RvGiGetPathAttrFlag, copy, 9), 0) << "the attribute word stays behind";
   char text[8];
   EXPECT_EQ(RvGiGetArtTag(copy, "k", text), kNoTag) << "tags stay behind";
@@ -166,6 +172,7 @@ TEST_F(Drawing, CopiesFollowTheCopyingRules) {
   EXPECT_EQ(RvGiCopyArt(1, 3, nullptr, path, &art), kBadType) << "type and source must agree";
   EXPECT_EQ(art, nullptr);
   EXPECT_EQ(RvGiCopyArt(4, 3, nullptr, nullptr, &art), kNullArt);
+  EXPECT_EQ(RvGiCopyArt(0, 3, nullptr, layer, &art), kBadType) << "layers aren't copied";
 }
 
 TEST_F(Drawing, ArtBoundsMapEachCornerThroughTheMatrix) {

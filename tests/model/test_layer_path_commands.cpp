@@ -137,10 +137,11 @@ TEST_F(Drawing, AttributeWordPlotInfoAndFlags) {
   uint8_t flags = 0;
   EXPECT_EQ(RvGiGetPathAttrFlag(nullptr, &flags), kNullPath);
 
-  // Any art carries plot info, made at the first write.
+  // Any art carries plot info, made at the first write of any of its fields
+  // with the others at their defaults.
   void* g = Art(1, 3, nullptr);
-  int32_t value = 0;
-  int16_t element = 0, vcut = 0;
+  int32_t value = 7;
+  int16_t element = 7, vcut = 7;
   char text[32] = "untouched";
   EXPECT_EQ(Read(RvGiGetPathPatternID, g), -1);
   EXPECT_EQ(RvGiGetPathPlotInfo(g, &value, text), kNullArt);
@@ -148,36 +149,30 @@ TEST_F(Drawing, AttributeWordPlotInfoAndFlags) {
   EXPECT_STREQ(text, "untouched");
   ASSERT_EQ(RvGiSetPathPatternID(g, 12), 0u);
   ASSERT_EQ(RvGiGetPathElementAtVCut(g, &element, &vcut), 0u);
-  EXPECT_EQ((V{double(element), double(vcut)}), (V{-1, 0}));
   ASSERT_EQ(RvGiGetPathPlotInfo(g, &value, text), 0u);
+  EXPECT_EQ((V{double(element), double(vcut), double(value)}), (V{-1, 0, 0}));
   EXPECT_STREQ(text, "");
-  ASSERT_EQ(RvGiSetPathPlotInfo(g, 4, "Pen 1"), 0u);
-  ASSERT_EQ(RvGiSetPathElementAtVCut(g, 3, 45), 0u);
-  ASSERT_EQ(RvGiGetPathPlotInfo(g, &value, text), 0u);
-  EXPECT_EQ(value, 4);
-  EXPECT_STREQ(text, "Pen 1");
-  ASSERT_EQ(RvGiGetPathElementAtVCut(g, &element, &vcut), 0u);
-  EXPECT_EQ((V{double(element), double(vcut)}), (V{3, 45}));
-  EXPECT_EQ(Read(RvGiGetPathPatternID, g), 12);
-  // A fresh art with only a V-cut still has pattern id -1 and no flags.
   void* b = Art(1, 3, nullptr);
-  ASSERT_EQ(RvGiSetPathElementAtVCut(b, 1, 2), 0u);
-  EXPECT_EQ(Read(RvGiGetPathPatternID, b), -1);
-  EXPECT_EQ(Read<uint8_t>(RvGiGetPathAttrFlag, b, 9), 0);
+  ASSERT_EQ(RvGiSetPathElementAtVCut(b, 3, 45), 0u);
+  ASSERT_EQ(RvGiSetPathPlotInfo(b, 4, "Pen 1"), 0u);
+  ASSERT_EQ(RvGiGetPathPlotInfo(b, &value, text), 0u);
+  ASSERT_EQ(RvGiGetPathElementAtVCut(b, &element, &vcut), 0u);
+  EXPECT_EQ((V{double(element), double(vcut), double(value), double(Read(RvGiGetPathPatternID, b))}), (V{3, 45, 4, -1}));
+  EXPECT_STREQ(text, "Pen 1");
+  EXPECT_EQ(Read<uint8_t>(RvGiGetPathAttrFlag, b, 9), 0) << "plot info leaves the attribute flags";
 
   // Closed and clockwise are for paths (ignored on a group); selection is
   // for groups (other arts leave the value as it was).
   ASSERT_EQ(RvGiSetPathClosed(a, 1), 0u);
   ASSERT_EQ(RvGiSetPathClockWise(a, 1), 0u);
-  EXPECT_EQ(Read(RvGiGetPathClosed, a), 1);
-  EXPECT_EQ(Read(RvGiGetPathClockWise, a), 1);
+  EXPECT_EQ((V{double(Read(RvGiGetPathClosed, a)), double(Read(RvGiGetPathClockWise, a))}), (V{1, 1}));
   EXPECT_EQ(RvGiSetPathClosed(g, 1), 0u);
   EXPECT_EQ(RvGiSetPathClockWise(g, 1), 0u);
   EXPECT_EQ(RvGiGetPathClosed(g, &value), kWrongKind);
   EXPECT_EQ(RvGiGetPathClockWise(nullptr, &value), kNullPath);
   ASSERT_EQ(RvGiSetSelect(g, 1), 0u);
-  EXPECT_EQ(Read(RvGiGetSelect, g), 1);
   ASSERT_EQ(RvGiSetSelect(a, 1), 0u);
+  EXPECT_EQ(Read(RvGiGetSelect, g), 1);
   EXPECT_EQ(Read(RvGiGetSelect, a, 42), 42);
   EXPECT_EQ(RvGiGetSelect(nullptr, &value), kBadType);
   EXPECT_EQ(RvGiSetSelect(nullptr, 1), kBadType);
@@ -311,10 +306,15 @@ TEST_F(Drawing, CopyPathCopiesOneLevel) {
   ASSERT_EQ(RvGiCopyPath(path, 3, nullptr, &copy), 0u);
   EXPECT_EQ(Type(copy), 4);
   EXPECT_TRUE(Children(copy).empty());
+  // A component copy takes its points and its start handles.
+  const RVPOINT startIn{5, 6};
+  ASSERT_EQ(RvGiSetBezierStartInPoint(bez, &startIn), 0u);
   void* bcopy = nullptr;
   ASSERT_EQ(RvGiCopyPath(bez, 5, copy, &bcopy), 0u);
   EXPECT_EQ(Children(copy), (Arts{bcopy}));
   EXPECT_EQ(Anchors(bcopy), (V{3}));
+  EXPECT_EQ(static_cast<rv::CRvBezier*>(bcopy)->m_startIn.y, 6.0);
+  EXPECT_EQ(static_cast<rv::CRvBezier*>(bcopy)->m_startInSet, 1);
   EXPECT_EQ(Children(layer), (Arts{path, copy}));
 
   void* out = reinterpret_cast<void*>(1);
