@@ -48,8 +48,11 @@ struct Records {
       const RVCURVEARC& a = r.arc;
       const RVPOINT* s = r.spline;
       if (r.kind == 0) out.push_back({0, r.point.x, r.point.y});
-      if (r.kind == 1) out.push_back({1, a.startX, a.startY, a.endX, a.endY, a.midX, a.midY, a.centreX, a.centreY, 0.0 + a.direction});
-      if (r.kind == 2) out.push_back({2, r.bezier.anchor.x, r.bezier.anchor.y, r.bezier.in.x, r.bezier.in.y, r.bezier.out.x, r.bezier.out.y, 0.0 + r.bezier.flags});
+      const RVBEZIERPOINT& b = r.bezier;
+      if (r.kind == 1) {
+        out.push_back({1, a.startX, a.startY, a.endX, a.endY, a.midX, a.midY, a.centreX, a.centreY, 0.0 + a.direction});
+      }
+      if (r.kind == 2) out.push_back({2, b.anchor.x, b.anchor.y, b.in.x, b.in.y, b.out.x, b.out.y, 0.0 + b.flags});
       if (r.kind == 3) out.push_back({3, s[0].x, s[0].y, s[1].x, s[1].y, s[2].x, s[2].y});
     }
     return out;
@@ -91,9 +94,11 @@ TEST(CurvesToPoints, HandWorkedPolylines) {
   const std::tuple<const char*, Curve, double, double, int32_t, V> cases[] = {
       {"short enough", line, 31000, 0.03, 1, {0, 0, 100, 0}},
       // Handles on the anchors: x(t) = 100 (3t^2 - 2t^3) halves unevenly.
-      {"halved for maxLength", line, 30, 0.03, 1, {0, 0, 15.625, 0, 31.640625, 0, 50, 0, 68.359375, 0, 84.375, 0, 100, 0}},
+      {"halved for maxLength", line, 30, 0.03, 1,
+       {0, 0, 15.625, 0, 31.640625, 0, 50, 0, 68.359375, 0, 84.375, 0, 100, 0}},
       {"handles at thirds", EvenLine(96), 30, 0.03, 1, {0, 0, 24, 0, 48, 0, 72, 0, 96, 0}},
-      {"shared anchor twice", {Corner(0, 0), Corner(10, 0), Corner(10, 20)}, 31000, 0.03, 1, {0, 0, 10, 0, 10, 0, 10, 20}},
+      {"shared anchor twice", {Corner(0, 0), Corner(10, 0), Corner(10, 20)}, 31000, 0.03, 1,
+       {0, 0, 10, 0, 10, 0, 10, 20}},
       {"one point", {Corner(1, 1)}, 31000, 0.03, 1, {}},
       {"hump", kHump, 31000, 0.5, 1, {0, 0, 5, 0.75, 10, 0}},
       {"hump finer", kHump, 31000, 0.49, 1, {0, 0, 1.5625, 0.5625, 5, 0.75, 8.4375, 0.5625, 10, 0}},
@@ -167,7 +172,9 @@ TEST(ArcToCurves, RoundedPiecesOfAtMostSixtyDegrees) {
   // Centre 0, radius 10, 90 degrees: P1 at 45 degrees, handles 40 tan(pi/16)
   // / 3 = 2.65216.. long, all rounded to 0.001. Clockwise below the x axis
   // mirrors it (the sign of the sweep doesn't matter).
-  Rows ccw = {{2, 10, 0, 10, 0, 10, 2.652, 0}, {2, 7.071, 7.071, 8.946, 5.196, 5.196, 8.946, 0}, {2, 0, 10, 2.652, 10, 0, 10, 0}};
+  Rows ccw = {{2, 10, 0, 10, 0, 10, 2.652, 0},
+              {2, 7.071, 7.071, 8.946, 5.196, 5.196, 8.946, 0},
+              {2, 0, 10, 2.652, 10, 0, 10, 0}};
   EXPECT_EQ(Arc({{10, 0}, {0, 10}, {0, 0}, 90.0, 1}), ccw);
   for (V& row : ccw) {
     for (std::size_t i = 2; i < row.size(); i += 2) row[i] = -row[i];
@@ -263,36 +270,35 @@ TEST(CurvesToSpline, HandlesWithinTheAngleGoAndPointsFormTriples) {
 }
 
 TEST(SplineToPoints, InterpolatesThroughThePointsInStepsByChordLength) {
+  RVPOINT out[63];
+  int32_t n = 0;
+  auto steps = [&](const RVPOINT* pts, int32_t count) {
+    n = -1;
+    EXPECT_EQ(RvMiSplineToPoints(pts, count, out, &n), 0u);
+    return n;
+  };
   // Points 1..3 = (0,0), (3,4), (6,0): tangents (0.6, 1.2), (0.6, 0),
   // (0.6, -1.2); the pieces are (3u, 6u - 2u^3) and (3 + 3u, 4 + 2u^3 - 6u^2).
   // Chords of 5 with three points: 3 * 5 * 1.5 = 22 steps, clamped to 21.
   const RVPOINT pts[4] = {{99, 99}, {0, 0}, {3, 4}, {6, 0}};
-  RVPOINT out[63];
-  int32_t n = 0;
-  ASSERT_EQ(RvMiSplineToPoints(pts, 3, out, &n), 0u);
-  ASSERT_EQ(n, 42);
-  const std::tuple<int, double, double> samples[] = {{6, 1, 2 - 2.0 / 27}, {20, 3, 4}, {27, 4, 4 + 2.0 / 27 - 6.0 / 9}, {41, 6, 0}};
+  ASSERT_EQ(steps(pts, 3), 42);
+  const std::tuple<int, double, double> samples[] = {
+      {6, 1, 2 - 2.0 / 27}, {20, 3, 4}, {27, 4, 4 + 2.0 / 27 - 6.0 / 9}, {41, 6, 0}};
   for (auto [i, x, y] : samples) ExpectNear(XY(out[i]), {x, y}, 1e-12);
   // A chord of 0.5 is one step. Chords 5 -> 15 steps, 7 -> 21; with three
   // points 15 * 1.5 = 22.5 -> 21.
   const RVPOINT shortChord[3] = {{0, 0}, {1, 1}, {1.3, 1.4}}, four[5] = {{0, 0}, {0, 0}, {3, 4}, {3, 11}, {3, 11.5}};
-  ASSERT_EQ(RvMiSplineToPoints(shortChord, 2, out, &n), 0u);
-  ASSERT_EQ(n, 1);
+  ASSERT_EQ(steps(shortChord, 2), 1);
   ExpectNear(XY(out[0]), {1.3, 1.4}, 1e-12);
-  ASSERT_EQ(RvMiSplineToPoints(four, 3, out, &n), 0u);
-  EXPECT_EQ(n, 21 + 21);
-  ASSERT_EQ(RvMiSplineToPoints(four, 4, out, &n), 0u);
-  EXPECT_EQ(n, 15 + 21 + 1);
+  EXPECT_EQ(steps(four, 3), 21 + 21);
+  ASSERT_EQ(steps(four, 4), 15 + 21 + 1);
   EXPECT_NEAR(out[14].x, 3, 1e-12);
   EXPECT_NEAR(out[36].y, 11.5, 1e-12);
   // A repeated point is one step; one point gives none.
   const RVPOINT repeat[4] = {{0, 0}, {1, 2}, {1, 2}, {5, 5}};
-  ASSERT_EQ(RvMiSplineToPoints(repeat, 3, out, &n), 0u);
-  ASSERT_EQ(n, 3);
-  EXPECT_EQ(XY(out[0]), (V{1, 2}));
-  EXPECT_EQ(XY(out[2]), (V{5, 5}));
-  ASSERT_EQ(RvMiSplineToPoints(repeat, 1, out, &n), 0u);
-  EXPECT_EQ(n, 0);
+  ASSERT_EQ(steps(repeat, 3), 3);
+  EXPECT_EQ((V{out[0].x, out[0].y, out[2].x, out[2].y}), (V{1, 2, 5, 5}));
+  EXPECT_EQ(steps(repeat, 1), 0);
   std::vector<RVPOINT> many(201, RVPOINT{0, 0});
   EXPECT_EQ(RvMiSplineToPoints(many.data(), 200, out, &n), kBadArgument);
   EXPECT_EQ(RvMiSplineToPoints(repeat, -1, out, &n), kBadArgument);
@@ -382,7 +388,8 @@ TEST(Angles, ThreePointsBezierTurnsAndArcCentres) {
     const double r = std::atan2(ux * 1 - uy * 2, ux * 2 + uy * 1);
     return r < 0 ? r + 2 * kPi : r;
   };
-  const double got = RvMiCalcAngleOfBezier(Smooth({10, 0}, {10, 0}, {12, 1}), Smooth({0, 0}, {0, 0}, {0, 10}), Corner(20, 0));
+  const double got =
+      RvMiCalcAngleOfBezier(Smooth({10, 0}, {10, 0}, {12, 1}), Smooth({0, 0}, {0, 0}, {0, 10}), Corner(20, 0));
   EXPECT_EQ(got, expected(double(0.9f)));
   EXPECT_NE(got, expected(0.9));
 

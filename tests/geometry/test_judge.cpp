@@ -22,8 +22,10 @@ using Nested = std::vector<std::pair<void*, int32_t>>;
 // counter-clockwise from the right, start stored twice.
 std::vector<RVBEZIERPOINT> Circle(double cx, double cy, double r) {
   const double k = 0.5522847498 * r;
-  return {Smooth({cx + r, cy}, {cx + r, cy}, {cx + r, cy + k}), Smooth({cx, cy + r}, {cx + k, cy + r}, {cx - k, cy + r}),
-          Smooth({cx - r, cy}, {cx - r, cy + k}, {cx - r, cy - k}), Smooth({cx, cy - r}, {cx - k, cy - r}, {cx + k, cy - r}),
+  return {Smooth({cx + r, cy}, {cx + r, cy}, {cx + r, cy + k}),
+          Smooth({cx, cy + r}, {cx + k, cy + r}, {cx - k, cy + r}),
+          Smooth({cx - r, cy}, {cx - r, cy + k}, {cx - r, cy - k}),
+          Smooth({cx, cy - r}, {cx - k, cy - r}, {cx + k, cy - r}),
           Smooth({cx + r, cy}, {cx + r, cy - k}, {cx + r, cy})};
 }
 

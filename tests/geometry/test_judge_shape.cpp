@@ -82,7 +82,8 @@ TEST(NestingShape, ContainsAgreesWithTheAngleSumEverywhere) {
     // whose edges and vertices the grid probes hit exactly.
     std::vector<RVPOINT> corners;
     for (int k = 0; k < 3 + shapeNo % 9; ++k) {
-      corners.push_back(shapeNo % 2 == 0 ? RVPOINT{coord(rng), coord(rng)} : RVPOINT{double(grid(rng)), double(grid(rng))});
+      corners.push_back(shapeNo % 2 == 0 ? RVPOINT{coord(rng), coord(rng)}
+                                         : RVPOINT{double(grid(rng)), double(grid(rng))});
     }
     if (shapeNo % 7 == 0) corners.push_back(corners.front());  // stored start twice
     const CoarsePolyline line = Polygon(corners, shapeNo % 5);

@@ -69,7 +69,8 @@ TEST(Matrix, RectCornersOneByOneAndAnExactIdentityTest) {
   EXPECT_EQ((V{p[0].x, p[0].y, p[1].x, p[1].y, p[2].x, p[2].y, p[3].x, p[3].y}), (V{11, 25, 11, 22, 13, 25, 13, 22}));
   int32_t result = 7;
   // The identity test is exact, but negative zero equals zero.
-  const std::tuple<double*, double, int32_t> cases[] = {{&m.a, 1, 1}, {&m.a, std::nextafter(1.0, 2.0), 0}, {&m.ty, -0.0, 1}};
+  const std::tuple<double*, double, int32_t> cases[] = {
+      {&m.a, 1, 1}, {&m.a, std::nextafter(1.0, 2.0), 0}, {&m.ty, -0.0, 1}};
   for (auto [field, value, identity] : cases) {
     RvMiSetMatrixIdentity(&m);
     *field = value;

@@ -44,8 +44,11 @@ TEST(ArtTree, ListsDestroyTheirSubtreesInListOrderUnlessReleased) {
   }
   EXPECT_TRUE(gDestroyed.empty());
   delete kept;
-  // A layer removes only entries of its own list.
+  // A layer removes only entries of its own list; an unknown `where` links
+  // nothing and leaves the art with the caller.
   CRvLayer layer, other;
+  CRvGroup refused;
+  EXPECT_FALSE(layer.AddChild(5, &refused));
   layer.AddChild(1, new CRvGroup);
   auto* foreign = new CRvGroup;
   other.AddChild(1, foreign);

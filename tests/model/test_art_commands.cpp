@@ -25,9 +25,9 @@ TEST_F(Drawing, CreateNeedsALayerAKnownTypeAndAFittingReference) {
   // The position is checked before anything is linked.
   void* group = Art(1, 3, nullptr);
   const std::tuple<int16_t, void*, uint32_t> refused[] = {
-      {0, group, kBadReference},   {3, group, kBadReference},   {1, nullptr, kBadReference}, {2, nullptr, kBadReference},
-      {4, nullptr, kBadReference}, {5, nullptr, kBadReference}, {1, layer, kNoParent},  // layers have no parent
-      {2, layer, kNoParent}};
+      {0, group, kBadReference},   {3, group, kBadReference},   {1, nullptr, kBadReference},
+      {2, nullptr, kBadReference}, {4, nullptr, kBadReference}, {5, nullptr, kBadReference},
+      {1, layer, kNoParent},       {2, layer, kNoParent}};  // layers have no parent
   for (auto [position, reference, code] : refused) {
     art = kJunk;
     EXPECT_EQ(RvGiCreateArt(4, position, reference, &art), code) << position;
@@ -128,9 +128,10 @@ TEST_F(Drawing, NullArtsAreReportedNotFollowed) {
   for (uint32_t code : {RvGiGetArtFirstChild(nullptr, &out), RvGiGetArtParent(nullptr, &out),
                         RvGiGetArtSibling(nullptr, &out), RvGiGetArtPreSibling(nullptr, &out),
                         RvGiGetArtType(nullptr, &type), RvGiGetArtMatrix(nullptr, &m), RvGiSetArtMatrix(nullptr, &m),
-                        RvGiSetBoundingBox(nullptr, &r), RvGiGetArtBounds(nullptr, &r), RvGiSetArtTag(nullptr, "a", "b"),
-                        RvGiGetArtTag(nullptr, "a", text), RvGiGetPathColor(1, nullptr, &color, &found),
-                        RvGiSetPathColor(1, nullptr, &color, "x"), RvGiConvertCompoundToGroup(nullptr, nullptr)}) {
+                        RvGiSetBoundingBox(nullptr, &r), RvGiGetArtBounds(nullptr, &r),
+                        RvGiSetArtTag(nullptr, "a", "b"), RvGiGetArtTag(nullptr, "a", text),
+                        RvGiGetPathColor(1, nullptr, &color, &found), RvGiSetPathColor(1, nullptr, &color, "x"),
+                        RvGiConvertCompoundToGroup(nullptr, nullptr)}) {
     EXPECT_EQ(code, kNullArt);
   }
   EXPECT_EQ(g_ExceptionContext, nullptr);
@@ -168,7 +169,7 @@ TEST_F(Drawing, CopiesFollowTheCopyingRules) {
   ASSERT_EQ(RvGiCopyArt(4, 9, nullptr, path, &loose), 0u);
   EXPECT_EQ(Parent(loose), nullptr);
   void* art = kJunk;
-  EXPECT_EQ(RvGiCopyArt(5, 3, nullptr, Children(path)[0], &art), kBadType) << "arcs and splines go through RvGiCopyPath";
+  EXPECT_EQ(RvGiCopyArt(5, 3, nullptr, Children(path)[0], &art), kBadType) << "components go through RvGiCopyPath";
   EXPECT_EQ(RvGiCopyArt(1, 3, nullptr, path, &art), kBadType) << "type and source must agree";
   EXPECT_EQ(art, nullptr);
   EXPECT_EQ(RvGiCopyArt(4, 3, nullptr, nullptr, &art), kNullArt);
@@ -229,6 +230,7 @@ TEST_F(Drawing, TagsAndColoursByArtType) {
   ASSERT_EQ(RvGiSetPathColorName(1, path, "renamed"), 0u);
   EXPECT_EQ(ColorName(1, path), "renamed");
   EXPECT_EQ(RvGiGetPathColor(3, path, &color, &found), 0x05000901u);
+  EXPECT_EQ(RvGiGetPathColorName(3, path, text), 0x05000901u);
   EXPECT_EQ(RvGiSetPathColor(3, path, &cmyk, "x"), 0x05000A01u);
   EXPECT_EQ(RvGiSetPathColorName(0, path, "x"), 0x06000A01u);
   // Other arts have no colour.

@@ -148,7 +148,7 @@ TEST_F(RefMap, TracesFollowTheCutOrderMasksAndCollectsTheKeyOrder) {
   EXPECT_EQ(path.arts, (Arts{&a_, &c_}));
   Recorder match;
   EXPECT_EQ(RvGiRefMapTableMatchTrace(masked, "five", 2, &match, Record, 1), kMatchMismatch);
-  EXPECT_EQ(RvGiRefMapTableMatchTrace(masked, "two", 0, &match, Record, 1), kMatchMismatch) << "here mask 0 matches nothing";
+  EXPECT_EQ(RvGiRefMapTableMatchTrace(masked, "two", 0, &match, Record, 1), kMatchMismatch) << "mask 0: no match";
   EXPECT_EQ(RvGiRefMapTableMatchTrace(masked, "missing", 2, &match, Record, 1), 0u);
   EXPECT_TRUE(match.arts.empty());
   EXPECT_EQ(RvGiRefMapTableMatchTrace(masked, "six", 2, &match, Record, 1), 0u);
