@@ -20,6 +20,33 @@ void CheckCurveInput(const RVBEZIERPOINT* points, int32_t count) {
   if (count < 0 || (points == nullptr && count > 0)) rv::Raise(rv::kErrCurveArgument);
 }
 
+// The frame of the exports that turn curves into records: checks, a worker
+// with the flattening parameters, `run(worker)`, and the records handed out.
+template <class Run>
+uint32_t RunCurveExport(const RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
+                        RVCURVEPOINT** result, int32_t* resultCount, Run run) {
+  return rv::Guard([&] {
+    PrepareOutputs(result, resultCount);
+    CheckCurveInput(points, count);
+    rv::CRvConvertPt worker;
+    worker.m_maxLength = maxLength;
+    worker.m_tolerance = tolerance;
+    rv::HandOut(run(worker), result, resultCount);
+  });
+}
+
+// Divides the curve a-b on copies of the three records, which then go back to
+// the caller: records that share memory are all read before any is written.
+template <class Divide>
+void DivideCopies(RVBEZIERPOINT* a, RVBEZIERPOINT* b, RVBEZIERPOINT* middle, Divide divide) {
+  if (a == nullptr || b == nullptr || middle == nullptr) rv::Raise(rv::kErrCurveArgument);
+  RVBEZIERPOINT first = *a, second = *b, mid = *middle;
+  divide(first, second, mid);
+  *a = first;
+  *b = second;
+  *middle = mid;
+}
+
 }  // namespace
 
 extern "C" {
@@ -35,39 +62,22 @@ RV_API uint32_t RvMiArcToCurves(const RVARCPOINT* arc, RVCURVEPOINT** result, in
 
 RV_API uint32_t RvMiCurvesToPoints(const RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
                                    RVCURVEPOINT** result, int32_t* resultCount, int32_t mode) {
-  return rv::Guard([&] {
-    PrepareOutputs(result, resultCount);
-    CheckCurveInput(points, count);
-    rv::CRvConvertPt worker;
-    worker.m_maxLength = maxLength;
-    worker.m_tolerance = tolerance;
+  return RunCurveExport(points, count, maxLength, tolerance, result, resultCount, [&](rv::CRvConvertPt& worker) {
     worker.m_mode = mode;
-    rv::HandOut(worker.CurvesToPoints(points, count), result, resultCount);
+    return worker.CurvesToPoints(points, count);
   });
 }
 
 RV_API uint32_t RvMiCurvesToArc(const RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
                                 RVCURVEPOINT** result, int32_t* resultCount, double scale) {
-  return rv::Guard([&] {
-    PrepareOutputs(result, resultCount);
-    CheckCurveInput(points, count);
-    rv::CRvConvertPt worker;
-    worker.m_maxLength = maxLength;
-    worker.m_tolerance = tolerance;
-    rv::HandOut(worker.CurvesToArc(points, count, scale), result, resultCount);
-  });
+  return RunCurveExport(points, count, maxLength, tolerance, result, resultCount,
+                        [&](rv::CRvConvertPt& worker) { return worker.CurvesToArc(points, count, scale); });
 }
 
 RV_API uint32_t RvMiCurvesToSpline(RVBEZIERPOINT* points, int32_t count, double maxLength, double tolerance,
                                    RVCURVEPOINT** result, int32_t* resultCount, double scale) {
-  return rv::Guard([&] {
-    PrepareOutputs(result, resultCount);
-    CheckCurveInput(points, count);
-    rv::CRvConvertPt worker;
-    worker.m_maxLength = maxLength;
-    worker.m_tolerance = tolerance;
-    rv::HandOut(worker.CurvesToSpline(points, count, scale), result, resultCount);
-  });
+  return RunCurveExport(points, count, maxLength, tolerance, result, resultCount,
+                        [&](rv::CRvConvertPt& worker) { return worker.CurvesToSpline(points, count, scale); });
 }
 
 RV_API uint32_t RvMiSplineToPoints(const RVPOINT* points, int32_t count, RVPOINT* result, int32_t* resultCount) {
@@ -82,23 +92,16 @@ RV_API uint32_t RvMiSplineToPoints(const RVPOINT* points, int32_t count, RVPOINT
 
 RV_API uint32_t RvMiDivideBezier(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double t, RVBEZIERPOINT* middle) {
   return rv::Guard([&] {
-    if (a == nullptr || b == nullptr || middle == nullptr) rv::Raise(rv::kErrCurveArgument);
-    RVBEZIERPOINT first = *a, second = *b, mid = *middle;
-    rv::DivideBezier(first, second, t, mid);
-    *a = first;
-    *b = second;
-    *middle = mid;
+    DivideCopies(a, b, middle,
+                 [&](RVBEZIERPOINT& p, RVBEZIERPOINT& q, RVBEZIERPOINT& m) { rv::DivideBezier(p, q, t, m); });
   });
 }
 
 RV_API void RvMiDivideBezierByLength(RVBEZIERPOINT* a, RVBEZIERPOINT* b, double length, RVBEZIERPOINT* middle) {
   rv::GuardThenException([&] {
-    if (a == nullptr || b == nullptr || middle == nullptr) rv::Raise(rv::kErrCurveArgument);
-    RVBEZIERPOINT first = *a, second = *b, mid = *middle;
-    rv::CRvConvertPt::DivideBezierByLength(first, second, length, mid);
-    *a = first;
-    *b = second;
-    *middle = mid;
+    DivideCopies(a, b, middle, [&](RVBEZIERPOINT& p, RVBEZIERPOINT& q, RVBEZIERPOINT& m) {
+      rv::CRvConvertPt::DivideBezierByLength(p, q, length, m);
+    });
   });
 }
 

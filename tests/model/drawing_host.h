@@ -20,63 +20,67 @@ constexpr uint32_t kNullPath = 0x05000D01u;
 constexpr uint32_t kWrongKind = 0x05000E01u;
 constexpr uint32_t kNullArt = 0x06001001u;
 constexpr uint32_t kBadType = 0x06000D01u;
+constexpr uint32_t kNoTag = 0x06001A01u;
 
-inline RVBEZIERPOINT Pt(double x, double y) {
-  RVBEZIERPOINT p{};
-  p.anchor = p.in = p.out = RVPOINT{x, y};
-  return p;
-}
+using Arts = std::vector<void*>;
+using V = std::vector<double>;
 
+inline RVBEZIERPOINT Pt(double x, double y) { return RVBEZIERPOINT{{x, y}, {x, y}, {x, y}, 0}; }
 inline RVBEZIERPOINT Pt(double x, double y, double inX, double inY, double outX, double outY) {
-  RVBEZIERPOINT p{};
-  p.anchor = RVPOINT{x, y};
-  p.in = RVPOINT{inX, inY};
-  p.out = RVPOINT{outX, outY};
-  return p;
+  return RVBEZIERPOINT{{x, y}, {inX, inY}, {outX, outY}, 0};
 }
+
+/// One value through a getter `fn(art, &value)` that must succeed; `value`
+/// starts as `start`.
+template <class T>
+T Read(uint32_t (*fn)(void*, T*), void* art, T start = T{}) {
+  T value = start;
+  EXPECT_EQ(fn(art, &value), 0u);
+  return value;
+}
+inline void* Parent(void* art) { return Read(RvGiGetArtParent, art, reinterpret_cast<void*>(1)); }
+inline void* Sibling(void* art) { return Read(RvGiGetArtSibling, art, reinterpret_cast<void*>(1)); }
+inline int16_t Type(void* art) { return Read<int16_t>(RvGiGetArtType, art, -1); }
+/// A text through a getter `fn(art, text)` that must succeed.
+inline std::string Text(uint32_t (*fn)(void*, char*), void* art) {
+  char text[256] = {};
+  EXPECT_EQ(fn(art, text), 0u);
+  return text;
+}
+inline std::string ColorName(int16_t use, void* art) {
+  char text[256] = {};
+  EXPECT_EQ(RvGiGetPathColorName(use, art, text), 0u);
+  return text;
+}
+inline V Rect(const RVRECT& r) { return {r.top, r.left, r.right, r.bottom}; }
 
 /// The children of `art`, walked with first child and siblings.
-inline std::vector<void*> Children(void* art) {
-  std::vector<void*> out;
-  void* child = nullptr;
-  EXPECT_EQ(RvGiGetArtFirstChild(art, &child), 0u);
-  while (child != nullptr) {
+inline Arts Children(void* art) {
+  Arts out;
+  for (void* child = Read(RvGiGetArtFirstChild, art); child != nullptr && out.size() < 100000; child = Sibling(child)) {
     out.push_back(child);
-    EXPECT_EQ(RvGiGetArtSibling(child, &child), 0u);
-    if (out.size() > 100000) break;
   }
   return out;
 }
 /// The same list walked backwards from the last child.
-inline std::vector<void*> ChildrenBackwards(void* last) {
-  std::vector<void*> out;
-  while (last != nullptr) {
-    out.insert(out.begin(), last);
-    EXPECT_EQ(RvGiGetArtPreSibling(last, &last), 0u);
-    if (out.size() > 100000) break;
-  }
+inline Arts ChildrenBackwards(void* last) {
+  Arts out;
+  for (; last != nullptr && out.size() < 100000; last = Read(RvGiGetArtPreSibling, last)) out.insert(out.begin(), last);
   return out;
 }
-inline void* Parent(void* art) {
-  void* parent = reinterpret_cast<void*>(1);
-  EXPECT_EQ(RvGiGetArtParent(art, &parent), 0u);
-  return parent;
-}
-inline int16_t Type(void* art) {
-  int16_t type = -1;
-  EXPECT_EQ(RvGiGetArtType(art, &type), 0u);
-  return type;
-}
-inline std::vector<double> AnchorsX(void* bezier) {
-  int32_t count = 0;
-  EXPECT_EQ(RvGiGetPathSegmentCount(bezier, &count), 0u);
-  std::vector<double> xs;
-  for (int32_t i = 0; i < count; ++i) {
+/// Anchors x of a Bezier component; with `all`, every field of every record.
+inline V Anchors(void* bezier, bool all = false) {
+  V out;
+  for (int32_t i = 0; i < Read(RvGiGetPathSegmentCount, bezier); ++i) {
     RVBEZIERPOINT p{};
     EXPECT_EQ(RvGiGetBezierPoint(bezier, i, &p), 0u);
-    xs.push_back(p.anchor.x);
+    if (all) {
+      out.insert(out.end(), {p.anchor.x, p.anchor.y, p.in.x, p.in.y, p.out.x, p.out.y});
+    } else {
+      out.push_back(p.anchor.x);
+    }
   }
-  return xs;
+  return out;
 }
 
 /// A fresh store with one document, active, without layers.
@@ -88,15 +92,23 @@ class Drawing : public ::testing::Test {
   }
   void TearDown() override { RvGiDeleteAllDocuments(); }
 
-  void* Layer(int16_t where = 1, void* reference = nullptr) {
+  static void* Layer(int16_t where = 1, void* reference = nullptr) {
     void* layer = nullptr;
     EXPECT_EQ(RvGiCreateLayer(where, reference, &layer), 0u);
     return layer;
   }
-  void* Art(int16_t type, int16_t position, void* reference) {
+  static void* Art(int16_t type, int16_t position, void* reference) {
     void* art = nullptr;
     EXPECT_EQ(RvGiCreateArt(type, position, reference, &art), 0u);
     return art;
+  }
+  /// A path (in `parent`, or last in the current layer) with one Bezier
+  /// component holding `points`.
+  static void* PathOf(const std::vector<RVBEZIERPOINT>& points, void* parent = nullptr) {
+    void* path = parent ? Art(4, 5, parent) : Art(4, 3, nullptr);
+    void* bezier = Art(2, 5, path);
+    for (const RVBEZIERPOINT& p : points) EXPECT_EQ(RvGiSetBezierPoint(bezier, &p), 0u);
+    return path;
   }
   int16_t m_doc = -1;
 };
