@@ -10,13 +10,6 @@ namespace {
 constexpr uint8_t kOutputInfo = 2;     // RefMap info bit: the entry is output
 constexpr int16_t kCountsForBounds = 2;  // attribute flag: the art counts for the job's bounds
 
-std::string StrokeColourName(void* path) {
-  std::vector<char> name(65536, '\0');
-  CheckRead(RvGiGetPathColorName(2, path, name.data()));
-  name.back() = '\0';
-  return name.data();
-}
-
 }  // namespace
 
 RefMapTables::~RefMapTables() { RvGiDeleteRefMapTable(); }
