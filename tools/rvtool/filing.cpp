@@ -56,10 +56,10 @@ long AssignMedia(const std::vector<FiledKey>& groups, const std::map<std::string
     bool found = false;
     for (const FiledKey& group : groups) found = found || group.key == key;
     if (!found) {
-      std::string keys;
-      for (const FiledKey& group : groups) keys += (keys.empty() ? "'" : ", '") + group.key + "'";
+      std::vector<std::string> keys;
+      for (const FiledKey& group : groups) keys.push_back(group.key);
       throw Failure("--media " + key + "=" + media + ": no path is filed under '" + key +
-                        "' (the keys are " + (keys.empty() ? "none" : keys) + ")",
+                        "' (the keys are " + QuotedList(keys, "none") + ")",
                     kUsageStatus);
     }
   }
