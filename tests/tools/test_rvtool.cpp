@@ -77,6 +77,11 @@ TEST(ToolCli, RenderWritesWellFormedPicturesOfEveryPath) {
   EXPECT_GT(summary.white, 800 * 329 / 2);
   EXPECT_GT(summary.red, 10 * 8);  // ten start marks
   EXPECT_GT(summary.blue, 100);    // dashed travel
+
+  // The square and the origin, 0..30 x 0..30 mm: a square picture, though
+  // 511 / 31.8 * 31.8 comes out a hair above 511.
+  ASSERT_EQ(RunTool({"render", Sample("square.plt"), "-o", dir.file("square.png"), "--width", "511"}).status, 0);
+  EXPECT_EQ(tooltest::CheckPng(dir.file("square.png")).height, 511);
 }
 
 TEST(ToolCli, FailuresEndInOneClearLineWithTheirStatus) {
