@@ -66,10 +66,8 @@ int ConditionTable::Passes(const std::string& media) const { return RvGetRepeatC
 void ConditionTable::CheckMedia(const std::vector<std::string>& names, const std::string& source) const {
   for (const std::string& name : names) {
     if (Passes(name) > 0) continue;
-    std::string known;
-    for (const std::string& media : MediaNames()) known += (known.empty() ? "'" : ", '") + media + "'";
     throw Failure("media '" + name + "' isn't in the conditions of '" + source + "' (they hold " +
-                      (known.empty() ? "no media" : known) + ")",
+                      QuotedList(MediaNames(), "no media") + ")",
                   kUsageStatus);
   }
 }

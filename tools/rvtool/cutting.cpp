@@ -1,6 +1,5 @@
 #include "cutting.h"
 
-#include <memory>
 #include <vector>
 
 #include "drawing.h"
@@ -10,18 +9,11 @@
 namespace rvtool {
 namespace {
 
-constexpr int16_t kTypeBezier = 2;
-constexpr int16_t kTypeArc = 5;
-constexpr int16_t kTypeSpline = 6;
 constexpr int16_t kFirstChild = 4;
 // Arc pieces come with coordinates rounded to 0.001: a joint that close is one point.
 constexpr double kJointTolerance = 0.001;
 
 const char* const kPreparing = "preparing the paths for the cutter";
-
-struct CurvePointsDeleter {
-  void operator()(RVCURVEPOINT* points) const { RvMiFreePoints(points); }
-};
 
 void Append(std::vector<RVBEZIERPOINT>& out, const RVBEZIERPOINT& p) {
   if (!out.empty() && RvMiPointEqual(&out.back().anchor, &p.anchor, kJointTolerance)) {
@@ -53,7 +45,7 @@ void AppendComponent(void* component, std::vector<RVBEZIERPOINT>& out) {
       RVCURVEPOINT* raw = nullptr;
       int32_t pieces = 0;
       Check(RvMiArcToCurves(&arc, &raw, &pieces), kPreparing, "");
-      std::unique_ptr<RVCURVEPOINT, CurvePointsDeleter> records(raw);
+      CurvePoints records(raw);
       for (int32_t k = 0; k < pieces; ++k) Append(out, records.get()[k].bezier);
     } else if (type == kTypeSpline) {
       RVPOINT p{};

@@ -1,15 +1,19 @@
 #include "drawing.h"
 
-#include <array>
-
 #include "failure.h"
 
 namespace rvtool {
 namespace {
 
-constexpr int16_t kTypeGroup = 1;
-constexpr int16_t kTypeCompound = 3;
-constexpr int16_t kTypePath = 4;
+// The library copies a whole name into the buffer without a size, and names
+// have no limit of their own: 64 KiB holds any name a person gives.
+template <typename Read>
+std::string ReadName(Read read) {
+  std::vector<char> name(65536, '\0');
+  CheckRead(read(name.data()));
+  name.back() = '\0';
+  return name.data();
+}
 
 }  // namespace
 
@@ -35,12 +39,11 @@ std::vector<void*> Layers() {
 }
 
 std::string LayerName(void* layer) {
-  // The library copies the whole name into the buffer without a size, and
-  // names have no limit of their own: 64 KiB holds any name a person gives.
-  std::vector<char> name(65536, '\0');
-  CheckRead(RvGiGetLayerName(layer, name.data()));
-  name.back() = '\0';
-  return name.data();
+  return ReadName([&](char* name) { return RvGiGetLayerName(layer, name); });
+}
+
+std::string StrokeColourName(void* path) {
+  return ReadName([&](char* name) { return RvGiGetPathColorName(2, path, name); });
 }
 
 int16_t ArtType(void* art) {

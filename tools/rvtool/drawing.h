@@ -4,12 +4,27 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "rvdataaccess.h"
 
 namespace rvtool {
+
+/// Art type numbers of the library.
+constexpr int16_t kTypeGroup = 1;
+constexpr int16_t kTypeBezier = 2;
+constexpr int16_t kTypeCompound = 3;
+constexpr int16_t kTypePath = 4;
+constexpr int16_t kTypeArc = 5;
+constexpr int16_t kTypeSpline = 6;
+
+/// Records that the library's curve functions hand out, freed with them.
+struct CurvePointsDeleter {
+  void operator()(RVCURVEPOINT* points) const { RvMiFreePoints(points); }
+};
+using CurvePoints = std::unique_ptr<RVCURVEPOINT, CurvePointsDeleter>;
 
 /// Owns one document of the library's store and deletes it when it goes.
 class Document {
@@ -34,11 +49,17 @@ class Document {
 /// Imports FILE into a new document. `unitScale` is millimetres per plotter
 /// unit (0.0: the plotter's 0.025). Throws Failure.
 Document ImportDrawing(const std::string& path, double unitScale);
+/// ImportDrawing with the import stage on a progress bar of its own, for the
+/// commands that only read: a Ctrl-C during the import ends `command` with
+/// the interrupted status. The document comes back active.
+Document ImportAndActivate(const std::string& command, const std::string& path, double unitScale);
 
 /// The layers of the active document in list order.
 std::vector<void*> Layers();
 /// The name of a layer.
 std::string LayerName(void* layer);
+/// The name of a path's stroke colour ("None" for a path without one).
+std::string StrokeColourName(void* path);
 /// Calls `visit` for every path (type 4) below `art`, depth first, in drawing
 /// order; groups and compounds are entered, paths are not.
 void ForEachPath(void* art, const std::function<void(void*)>& visit);

@@ -17,6 +17,12 @@ Failure LibraryFailure(uint32_t code, const std::string& operation, const std::s
                  ExitStatusFor(code));
 }
 
+std::string QuotedList(const std::vector<std::string>& names, const std::string& none) {
+  std::string list;
+  for (const std::string& name : names) list += (list.empty() ? "'" : ", '") + name + "'";
+  return list.empty() ? none : list;
+}
+
 Failure ToolFailure(const std::string& operation, const std::string& file, const std::string& why,
                     int status) {
   return Failure(Head(operation, file) + why, status);

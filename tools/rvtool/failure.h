@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <exception>
 #include <string>
+#include <vector>
 
 namespace rvtool {
 
@@ -33,6 +34,9 @@ Failure LibraryFailure(uint32_t code, const std::string& operation, const std::s
 inline void Check(uint32_t code, const std::string& operation, const std::string& file) {
   if (code != 0) throw LibraryFailure(code, operation, file);
 }
+
+/// "'A', 'B'" for the names of a message, `none` when there are none.
+std::string QuotedList(const std::vector<std::string>& names, const std::string& none);
 
 /// "OPERATION of 'FILE' failed: WHY".
 Failure ToolFailure(const std::string& operation, const std::string& file, const std::string& why,

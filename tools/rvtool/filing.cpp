@@ -10,13 +10,6 @@ namespace {
 constexpr uint8_t kOutputInfo = 2;     // RefMap info bit: the entry is output
 constexpr int16_t kCountsForBounds = 2;  // attribute flag: the art counts for the job's bounds
 
-std::string StrokeColourName(void* path) {
-  std::vector<char> name(65536, '\0');
-  CheckRead(RvGiGetPathColorName(2, path, name.data()));
-  name.back() = '\0';
-  return name.data();
-}
-
 }  // namespace
 
 RefMapTables::~RefMapTables() { RvGiDeleteRefMapTable(); }
@@ -63,10 +56,10 @@ long AssignMedia(const std::vector<FiledKey>& groups, const std::map<std::string
     bool found = false;
     for (const FiledKey& group : groups) found = found || group.key == key;
     if (!found) {
-      std::string keys;
-      for (const FiledKey& group : groups) keys += (keys.empty() ? "'" : ", '") + group.key + "'";
+      std::vector<std::string> keys;
+      for (const FiledKey& group : groups) keys.push_back(group.key);
       throw Failure("--media " + key + "=" + media + ": no path is filed under '" + key +
-                        "' (the keys are " + (keys.empty() ? "none" : keys) + ")",
+                        "' (the keys are " + QuotedList(keys, "none") + ")",
                     kUsageStatus);
     }
   }

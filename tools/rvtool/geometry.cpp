@@ -1,23 +1,11 @@
 #include "geometry.h"
 
 #include <algorithm>
-#include <memory>
 
 #include "drawing.h"
 
 namespace rvtool {
 namespace {
-
-constexpr int16_t kTypeBezier = 2;
-constexpr int16_t kTypeArc = 5;
-constexpr int16_t kTypeSpline = 6;
-// Chords as long as the curve allows: only the flatness limits them.
-constexpr double kMaxChord = 31000.0;
-
-struct CurvePointsDeleter {
-  void operator()(RVCURVEPOINT* points) const { RvMiFreePoints(points); }
-};
-using CurvePoints = std::unique_ptr<RVCURVEPOINT, CurvePointsDeleter>;
 
 void Append(std::vector<RVPOINT>& out, const RVPOINT& p) {
   if (!out.empty() && out.back().x == p.x && out.back().y == p.y) return;

@@ -32,6 +32,8 @@ struct Scene {
 
 /// Largest distance of a flattened curve from its chord, in millimetres.
 constexpr double kFlatness = 0.02;
+/// Chords as long as the curve allows: only the flatness limits them.
+constexpr double kMaxChord = 31000.0;
 
 /// The polyline of a path (type 4): Bezier components by their curves, arcs
 /// by their pieces, splines by straight lines between their points; the

@@ -4,6 +4,7 @@
 
 #include "drawing.h"
 #include "failure.h"
+#include "progress.h"
 #include "rvdataaccess.h"
 
 namespace rvtool {
@@ -23,6 +24,17 @@ Document ImportDrawing(const std::string& path, double unitScale) {
   // A failed import may leave its new document behind: it goes with `document`.
   Document document(index);
   Check(code, "import", path);
+  return document;
+}
+
+Document ImportAndActivate(const std::string& command, const std::string& path, double unitScale) {
+  Document document = [&] {
+    ProgressBar progress(IsTerminal());
+    progress.Stage("import", path);
+    return ImportDrawing(path, unitScale);
+  }();
+  if (Interrupted()) throw ToolFailure(command, path, "interrupted", kInterruptedStatus);
+  document.Activate();
   return document;
 }
 

@@ -3,15 +3,9 @@
 
 #include "commands.h"
 #include "drawing.h"
-#include "failure.h"
-#include "progress.h"
 
 namespace rvtool {
 namespace {
-
-constexpr int16_t kTypeBezier = 2;
-constexpr int16_t kTypeArc = 5;
-constexpr int16_t kTypeSpline = 6;
 
 struct Counts {
   long paths = 0, closed = 0;
@@ -97,13 +91,7 @@ void DescribeActiveDocument(const std::string& title, std::ostream& out) {
 }
 
 int RunInfo(const InfoOptions& options, std::ostream& out) {
-  Document document = [&] {
-    ProgressBar progress(IsTerminal());
-    progress.Stage("import", options.file);
-    return ImportDrawing(options.file, options.unit);
-  }();
-  if (Interrupted()) throw ToolFailure("info", options.file, "interrupted", kInterruptedStatus);
-  document.Activate();
+  const Document document = ImportAndActivate("info", options.file, options.unit);
   DescribeActiveDocument(options.file, out);
   return 0;
 }

@@ -15,9 +15,6 @@
 namespace rvtool {
 namespace {
 
-// Chords as long as the curve allows: only the flatness limits them.
-constexpr double kMaxChord = 31000.0;
-
 RVPLOTPARAM ParamOf(const PlotOptions& o, bool withMedia) {
   RVPLOTPARAM param;
   std::memset(&param, 0, sizeof param);

@@ -5,21 +5,13 @@
 // job, and the travel between them is what the pen does with the pen up.
 #include "commands.h"
 #include "drawing.h"
-#include "failure.h"
 #include "picture.h"
-#include "progress.h"
 
 namespace rvtool {
 
 int RunRender(const RenderOptions& options, std::ostream& out) {
   PictureTypeOf(options.output);  // refuse a bad name before any work
-  Document document = [&] {
-    ProgressBar progress(IsTerminal());
-    progress.Stage("import", options.file);
-    return ImportDrawing(options.file, options.unit);
-  }();
-  if (Interrupted()) throw ToolFailure("render", options.file, "interrupted", kInterruptedStatus);
-  document.Activate();
+  const Document document = ImportAndActivate("render", options.file, options.unit);
   const Scene scene = SceneOfActiveDocument();
   PictureOptions picture;
   picture.title = options.file;
