@@ -146,7 +146,9 @@ TEST(ToolCli, FailuresEndInOneClearLineWithTheirStatus) {
     EXPECT_EQ(run.status, row.status);
     EXPECT_EQ(run.err.rfind("rvtool: ", 0), 0u) << run.err;
     EXPECT_TRUE(Contains(run.err, row.line)) << run.err;
-    if (!row.line.empty() && row.line.back() == '\n') EXPECT_EQ(run.err.find('\n'), run.err.size() - 1);
+    if (!row.line.empty() && row.line.back() == '\n') {
+      EXPECT_EQ(run.err.find('\n'), run.err.size() - 1);
+    }
     EXPECT_EQ(run.out, "");
   }
   EXPECT_FALSE(std::filesystem::exists(job));
