@@ -40,17 +40,11 @@ TEST(Matrix, BuildersOverwriteAllFieldsAndConcatenationsActAfterThem) {
   ExpectNear(Fields(m), {0, 1, -1, 0, 0, 1}, 1e-15);
 }
 
-TEST(Matrix, InverseUndoesAndSingularMatricesFail) {
-  RVRIFMATRIX m{2, 1, -1, 3, 5, -7}, inv{}, back{};
+TEST(Matrix, InverseByHandAndSingularMatricesFail) {
+  // det = 7: the inverse is (3, -1, 1, 2, -8, 19) / 7.
+  RVRIFMATRIX m{2, 1, -1, 3, 5, -7}, inv{};
   ASSERT_EQ(RvMiSetInvertMatrix(&m, &inv), 0u);
-  const V there = Map(m, 1.25, -4.5);
-  ExpectNear(Map(inv, there[0], there[1]), {1.25, -4.5}, 1e-12);
-  ASSERT_EQ(RvMiSetInvertMatrix(&inv, &back), 0u);
-  ExpectNear(Fields(back), Fields(m), 1e-12);
-  for (double angle : {0.0, 0.3, kPi, -2.0, 7.5}) {
-    RvMiSetMatrixRotate(&m, angle);
-    EXPECT_EQ(RvMiSetInvertMatrix(&m, &inv), 0u) << angle;
-  }
+  ExpectNear(Fields(inv), {3 / 7.0, -1 / 7.0, 1 / 7.0, 2 / 7.0, -8 / 7.0, 19 / 7.0}, 1e-15);
   RVRIFMATRIX untouched{9, 9, 9, 9, 9, 9};
   for (auto [sx, sy] : {std::pair{0.0, 2.0}, std::pair{2.0, 0.0}}) {
     RvMiSetMatrixScale(&m, sx, sy);
