@@ -334,11 +334,11 @@ TEST(BezierLength, IsThePolylineAtFineTolerance) {
 }
 
 TEST(Angles, ThreePointsBezierTurnsAndArcCentres) {
-  const RVPOINT o{0, 0}, x{1, 0}, y{0, 1};
+  // p1 on the vertex: 0, where the signed zeros alone would give atan2(0, -0) = pi.
+  const RVPOINT o{0, 0}, x{1, 0}, y{0, 1}, down{-1, -1};
   EXPECT_EQ(RvMiCalcAngleOfThreePoints(&x, &o, &y), kPi / 2);
   EXPECT_EQ(RvMiCalcAngleOfThreePoints(&y, &o, &x), -kPi / 2);
-  EXPECT_EQ(RvMiCalcAngleOfThreePoints(&o, &o, &y), 0.0);
-  EXPECT_EQ(RvMiCalcAngleOfThreePoints(&x, &o, &x), 0.0);
+  EXPECT_EQ(RvMiCalcAngleOfThreePoints(&o, &o, &down), 0.0);
   EXPECT_EQ(RvMiCalcAngleOfThreePoints(nullptr, &o, &x), 0.0);
 
   // The turn of a path at a point: collinear in order without handles, pi;

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <tuple>
 
 #include "drawing_host.h"
@@ -16,18 +15,16 @@ TEST_F(Drawing, CreateNeedsALayerAKnownTypeAndAFittingReference) {
   EXPECT_EQ(RvGiCreateArt(1, 3, nullptr, &art), kNoLayer);
   EXPECT_EQ(art, nullptr) << "a failed create hands back null";
   void* layer = Layer();
-  for (int16_t type : {0, 7, -1}) EXPECT_EQ(RvGiCreateArt(type, 3, nullptr, &art), kBadType) << type;
+  for (int16_t type : {0, 7}) EXPECT_EQ(RvGiCreateArt(type, 3, nullptr, &art), kBadType) << type;
   for (int16_t type = 1; type <= 6; ++type) {
     void* made = Art(type, 3, nullptr);
     EXPECT_EQ(Type(made), type);
     EXPECT_EQ(Parent(made), layer);
   }
-  // The position is checked before anything is linked.
+  // The position is checked before anything is linked; layers have no parent.
   void* group = Art(1, 3, nullptr);
   const std::tuple<int16_t, void*, uint32_t> refused[] = {
-      {0, group, kBadReference},   {3, group, kBadReference},   {1, nullptr, kBadReference},
-      {2, nullptr, kBadReference}, {4, nullptr, kBadReference}, {5, nullptr, kBadReference},
-      {1, layer, kNoParent},       {2, layer, kNoParent}};  // layers have no parent
+      {3, group, kBadReference}, {2, nullptr, kBadReference}, {4, nullptr, kBadReference}, {1, layer, kNoParent}};
   for (auto [position, reference, code] : refused) {
     art = kJunk;
     EXPECT_EQ(RvGiCreateArt(4, position, reference, &art), code) << position;
@@ -50,17 +47,13 @@ TEST_F(Drawing, PositionsLinkAroundTheReference) {
   void* middle = Art(4, 1, last);
   EXPECT_EQ(Children(b), (Arts{first, middle, last}));
   EXPECT_EQ(Parent(middle), b);
-  // Ends of the walk; a layer has no parent, so no sibling.
-  EXPECT_EQ(Sibling(c), nullptr);
-  EXPECT_EQ(Read(RvGiGetArtPreSibling, a, kJunk), nullptr);
+  // A layer has no parent, so no sibling.
   EXPECT_EQ(Sibling(layer), nullptr);
   EXPECT_EQ(Parent(layer), nullptr);
 
   // An unknown position leaves a whole art unlinked: it takes children and
   // can be walked, but has no parent to be unlinked from.
   void* loose = Art(4, 6, nullptr);
-  ASSERT_NE(loose, nullptr);
-  EXPECT_EQ(Type(loose), 4);
   EXPECT_EQ(Parent(loose), nullptr);
   EXPECT_EQ(Children(layer).size(), 4u);
   void* bez = Art(2, 5, loose);
@@ -69,7 +62,7 @@ TEST_F(Drawing, PositionsLinkAroundTheReference) {
 }
 
 TEST_F(Drawing, ContainerFiltersLeaveRefusedArtsOutSilently) {
-  Layer();
+  void* layer = Layer();
   void* path = Art(4, 3, nullptr);
   void* compound = Art(3, 3, nullptr);
   void* group = Art(1, 5, path);  // a wrong combination isn't reported
@@ -88,6 +81,17 @@ TEST_F(Drawing, ContainerFiltersLeaveRefusedArtsOutSilently) {
   void* under = Art(6, 5, component);
   EXPECT_TRUE(Children(component).empty());
   EXPECT_EQ(Parent(under), component);
+  // A destroyed container leaves no pointer behind in the arts it refused,
+  // whether its layer goes or the whole document.
+  ASSERT_EQ(RvGiDeleteLayer(layer), 0u);
+  EXPECT_EQ(Parent(group), nullptr);
+  EXPECT_EQ(Parent(under), nullptr);
+  void* handle = group;
+  EXPECT_EQ(RvGiDeleteArt(&handle), kNullArt);
+  Layer();
+  void* g2 = Art(1, 4, Art(4, 3, nullptr));
+  ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
+  EXPECT_EQ(Parent(g2), nullptr);
 }
 
 TEST_F(Drawing, DeletedArtsAreUnlinkedButStayReadable) {
@@ -102,7 +106,6 @@ TEST_F(Drawing, DeletedArtsAreUnlinkedButStayReadable) {
   EXPECT_EQ(handle, b) << "the handle isn't changed";
   EXPECT_EQ(Children(layer), (Arts{a, c}));
   EXPECT_EQ(ChildrenBackwards(c), (Arts{a, c}));
-  EXPECT_EQ(Type(b), 1);
   EXPECT_EQ(Children(b), (Arts{inner})) << "the subtree stays with it";
   EXPECT_EQ(Parent(inner), b);
   EXPECT_EQ(Parent(b), nullptr);
@@ -165,10 +168,9 @@ TEST_F(Drawing, CopiesFollowTheCopyingRules) {
   EXPECT_EQ(ColorName(2, path), "R=255,G=0,B=0");
 
   // A copy with an unknown position has no parent, not its source's.
-  void* loose = nullptr;
-  ASSERT_EQ(RvGiCopyArt(4, 9, nullptr, path, &loose), 0u);
-  EXPECT_EQ(Parent(loose), nullptr);
   void* art = kJunk;
+  ASSERT_EQ(RvGiCopyArt(4, 9, nullptr, path, &art), 0u);
+  EXPECT_EQ(Parent(art), nullptr);
   EXPECT_EQ(RvGiCopyArt(5, 3, nullptr, Children(path)[0], &art), kBadType) << "components go through RvGiCopyPath";
   EXPECT_EQ(RvGiCopyArt(1, 3, nullptr, path, &art), kBadType) << "type and source must agree";
   EXPECT_EQ(art, nullptr);
@@ -179,18 +181,14 @@ TEST_F(Drawing, CopiesFollowTheCopyingRules) {
 TEST_F(Drawing, ArtBoundsMapEachCornerThroughTheMatrix) {
   Layer();
   void* group = Art(1, 3, nullptr);
+  // (left, top) = (0, 10) and (right, bottom) = (20, 0) go one by one
+  // through a quarter turn: the box isn't normalised.
   const RVRECT stored{10.0, 0.0, 20.0, 0.0};
+  const RVRIFMATRIX turn{0.0, 1.0, -1.0, 0.0, 0.0, 0.0};
   ASSERT_EQ(RvGiSetBoundingBox(group, &stored), 0u);
   EXPECT_EQ(Rect(Read(RvGiGetArtBounds, group)), (V{10, 0, 20, 0}));
-  // (left, top) = (0, 10) and (right, bottom) = (20, 0) mapped; a quarter
-  // turn moves the corners one by one, the box isn't normalised.
-  const RVRIFMATRIX scale{2.0, 0.0, 0.0, 3.0, 1.0, 1.0}, turn{0.0, 1.0, -1.0, 0.0, 0.0, 0.0};
-  ASSERT_EQ(RvGiSetArtMatrix(group, &scale), 0u);
-  EXPECT_EQ(Rect(Read(RvGiGetArtBounds, group)), (V{31, 1, 41, 1}));
   ASSERT_EQ(RvGiSetArtMatrix(group, &turn), 0u);
   EXPECT_EQ(Rect(Read(RvGiGetArtBounds, group)), (V{0, -10, 0, 20}));
-  const RVRIFMATRIX back = Read(RvGiGetArtMatrix, group);
-  EXPECT_EQ(std::memcmp(&back, &turn, sizeof back), 0);
 }
 
 TEST_F(Drawing, TagsAndColoursByArtType) {
@@ -222,9 +220,6 @@ TEST_F(Drawing, TagsAndColoursByArtType) {
   EXPECT_EQ(ColorName(1, path), "None");
   EXPECT_EQ(RvGiSetPathColor(2, path, &fountain, "f"), 0x05000A01u);
   ASSERT_EQ(RvGiSetPathColor(1, path, &fountain, "f"), 0u);
-  ASSERT_EQ(RvGiGetPathColor(1, path, &color, &found), 0u);
-  EXPECT_EQ(found, 1);
-  EXPECT_EQ(color.kind, 2);
   ASSERT_EQ(RvGiSetPathColorName(2, path, "nothing to rename"), 0u);
   EXPECT_EQ(ColorName(2, path), "None");
   ASSERT_EQ(RvGiSetPathColorName(1, path, "renamed"), 0u);
@@ -274,23 +269,6 @@ TEST_F(Drawing, CompoundConvertsIntoAGroupInReverseOrder) {
   ASSERT_EQ(RvGiDeleteLayer(layer), 0u);
   EXPECT_TRUE(Children(compound).empty());
   EXPECT_EQ(Type(compound), 3);
-}
-
-TEST_F(Drawing, RefusedArtsForgetADestroyedParent) {
-  void* layer = Layer();
-  void* path = Art(4, 3, nullptr);
-  void* group = Art(1, 5, path);  // refused by the path
-  ASSERT_EQ(Parent(group), path);
-  ASSERT_EQ(RvGiDeleteLayer(layer), 0u);
-  EXPECT_EQ(Parent(group), nullptr) << "no pointer to the destroyed path is left";
-  void* handle = group;
-  EXPECT_EQ(RvGiDeleteArt(&handle), kNullArt);
-  EXPECT_EQ(Sibling(group), nullptr);
-  // The same when the whole document goes.
-  Layer();
-  void* g2 = Art(1, 4, Art(4, 3, nullptr));
-  ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
-  EXPECT_EQ(Parent(g2), nullptr);
 }
 
 TEST_F(Drawing, DeepNestingIsWalkedAndDestroyedWithoutRecursion) {

@@ -75,14 +75,12 @@ TEST_F(DocumentStore, ForgottenDocumentsStayReadable) {
   void* path = nullptr;
   ASSERT_EQ(RvGiCreateLayer(1, nullptr, &layer), 0u);
   ASSERT_EQ(RvGiCreateArt(4, 3, nullptr, &path), 0u);
-  ASSERT_EQ(RvGiSetPathPlotInfo(path, 3, "cut"), 0u);
+  ASSERT_EQ(RvGiSetArtTag(path, "k", "cut"), 0u);
   ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
   EXPECT_EQ(Active(), -1);
   // A handle kept elsewhere (a RefMap table) still reads.
-  int32_t value = 0;
   char text[16] = {};
-  EXPECT_EQ(RvGiGetPathPlotInfo(path, &value, text), 0u);
-  EXPECT_EQ(value, 3);
+  EXPECT_EQ(RvGiGetArtTag(path, "k", text), 0u);
   EXPECT_STREQ(text, "cut");
   EXPECT_EQ(Parent(path), layer);
   EXPECT_EQ(Create(), 0);

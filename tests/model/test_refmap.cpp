@@ -44,6 +44,11 @@ uint32_t RecordInfo(void* context, void* art, void* userInfo) {
 }
 
 RefMapStore& Store() { return RefMapStore::Instance(); }
+template <class T>
+T* Add(CRvArt& parent, T* child) {
+  EXPECT_TRUE(parent.AddChild(1, child));
+  return child;
+}
 
 class RefMap : public ::testing::Test {
  protected:
@@ -70,11 +75,6 @@ class RefMap : public ::testing::Test {
     }
     return keys;
   }
-  static Keys InsertOrder(int16_t map) {
-    Keys keys;
-    for (const auto& pos : Store().Table(map).insertOrder) keys.push_back(pos->first);
-    return keys;
-  }
   static Arts Trace(int16_t map, uint8_t mask, int32_t drill) {
     Recorder r;
     EXPECT_EQ(RvGiRefMapTableTrace(map, mask, &r, Record, drill), 0u);
@@ -95,24 +95,20 @@ class RefMap : public ::testing::Test {
 
 TEST_F(RefMap, RememberedIndexesStartUnsetExceptPlotConditionAndAreOnlyStored) {
   // Each test runs in a process of its own, so this is a fresh store.
-  RefMapStore& s = Store();
+  const RefMapStore& s = Store();
   EXPECT_EQ((std::vector<int>{s.refMapIndex, s.layerIndex, s.colorIndex, s.tileIndex, s.routerOffsetSIndex,
                               s.routerOffsetEIndex, s.hatchingSIndex, s.hatchingEIndex}),
             std::vector<int>(8, 0xFFFF));
   EXPECT_EQ((std::vector<int>{RvGiGetRefMapRouterPlotIndex(), RvGiGetRefMapPlotConditionIndex(),
                               RvGiGetRefMapHatchingPlotIndex()}),
             (std::vector<int>{-1, 0, -1}));
-  EXPECT_EQ(RvGiSetRefMapHatchingEIndex(10), 0u);
-  EXPECT_EQ(s.hatchingEIndex, 10);
   EXPECT_EQ(s.TableCount(), 0u) << "no table has to exist";
 }
 
 TEST_F(RefMap, FilingKeepsNewestFirstAndFirstInfo) {
   const int16_t map = NewTable({{"K", 5, &a_}, {"K", 2, &b_}, {"K", 0, &c_}});
   EXPECT_EQ(map, 0);
-  EXPECT_EQ(NewTable(), 1);
   EXPECT_EQ(RvGiGetRefMapArtCount(map), 1);
-  EXPECT_EQ(RvGiGetRefMapArtCount(1), 0);
   Recorder uniq;
   EXPECT_EQ(RvGiRefMapTableUniqTrace(map, &uniq, Record), 0u);
   EXPECT_EQ(uniq.arts, (Arts{&c_}));
@@ -168,27 +164,20 @@ TEST_F(RefMap, TracesFollowTheCutOrderMasksAndCollectsTheKeyOrder) {
 TEST_F(RefMap, DrillingReachesOnlyPathsBelowGroups) {
   // group: p1, compound(p2, p3), group(empty group, bezier, group(p4)), p5
   auto group = std::make_unique<CRvGroup>();
-  auto* p1 = new CRvPath;
-  auto* compound = new CRvCompound;
-  auto* p2 = new CRvPath;
-  auto* p3 = new CRvPath;
-  compound->AddChild(1, p2);
-  compound->AddChild(1, p3);
-  auto* inner = new CRvGroup;
-  inner->AddChild(1, new CRvGroup);
-  inner->AddChild(1, new CRvBezier);
-  auto* deepest = new CRvGroup;
-  auto* p4 = new CRvPath;
-  p4->AddChild(1, new CRvBezier);  // a path is never entered
-  deepest->AddChild(1, p4);
-  inner->AddChild(1, deepest);
-  auto* p5 = new CRvPath;
-  for (CRvArt* child : std::initializer_list<CRvArt*>{p1, compound, inner, p5}) group->AddChild(1, child);
+  auto* p1 = Add(*group, new CRvPath);
+  auto* compound = Add(*group, new CRvCompound);
+  auto* p2 = Add(*compound, new CRvPath);
+  auto* p3 = Add(*compound, new CRvPath);
+  auto* inner = Add(*group, new CRvGroup);
+  Add(*inner, new CRvGroup);
+  Add(*inner, new CRvBezier);
+  auto* p4 = Add(*Add(*inner, new CRvGroup), new CRvPath);
+  Add(*p4, new CRvBezier);  // a path is never entered
+  auto* p5 = Add(*group, new CRvPath);
   CRvGroup pathless;
-  pathless.AddChild(1, new CRvGroup);
+  Add(pathless, new CRvGroup);
   CRvCompound lone;
-  auto* p6 = new CRvPath;
-  lone.AddChild(1, p6);
+  auto* p6 = Add(lone, new CRvPath);
 
   const int16_t map = NewTable({{"G", 2, group.get()}, {"E", 2, &pathless}, {"C", 2, &lone}, {"P", 2, &a_}});
   EXPECT_EQ(Trace(map, 2, 1), (Arts{p1, p2, p3, p4, p5, p6, &a_}));
@@ -210,7 +199,6 @@ TEST_F(RefMap, CallbackResultEndsTheTraceAndIsReturned) {
   EXPECT_EQ(RvGiRefMapTableTrace(map, 0, &r, Record, 1), 0x12345601u);
   EXPECT_EQ(r.arts.size(), 2u);
   EXPECT_EQ(gGetLastError(), 0x12345601u);
-  EXPECT_EQ(g_ExceptionContext, nullptr);
   Recorder u{{}, {}, 1, 7};
   EXPECT_EQ(RvGiRefMapTableUniqTrace(map, &u, Record), 7u);
   EXPECT_EQ(u.arts.size(), 1u);
@@ -223,7 +211,6 @@ TEST_F(RefMap, CallbackResultEndsTheTraceAndIsReturned) {
     EXPECT_EQ(state, after);
   }
   EXPECT_EQ(o.arts, (Arts{&a_, &b_, &b_, &c_}));
-  EXPECT_EQ(g_ExceptionContext, nullptr);
 
   // On an empty table, and after the end, the stepwise walk does nothing; a
   // new start (or a null state) goes back to the front.
@@ -253,7 +240,6 @@ TEST_F(RefMap, CutOrderMovesReversesAndIsInitialised) {
     EXPECT_EQ(RvGiChangeCutOrder(map, key, position), result) << key << " to " << position;
     EXPECT_EQ(CutOrder(map), keys);
   }
-  EXPECT_EQ(InsertOrder(map), (Keys{"A", "B", "C"}));
   EXPECT_EQ(Trace(map, 2, 1), (Arts{&b_, &a_, &c_}));
   // Reversing toggles the flag, and twice gives the order back; initialising
   // makes the cut order the insertion order again and leaves the flag.
@@ -266,9 +252,6 @@ TEST_F(RefMap, CutOrderMovesReversesAndIsInitialised) {
   RvGiInitializeCutOrder();
   EXPECT_EQ(CutOrder(map), (Keys{"A", "B", "C"}));
   EXPECT_EQ(Store().GetReversed(map), 1);
-  RvGiReverseRefMapCurOrder(map);
-  EXPECT_EQ(CutOrder(map), (Keys{"C", "B", "A"}));
-  EXPECT_EQ(InsertOrder(map), (Keys{"A", "B", "C"}));
   RvGiDeleteRefMapTable();
   RvGiInitializeCutOrder();  // no tables: nothing happens
 }
@@ -283,7 +266,6 @@ TEST_F(RefMap, TileOrderByNumber) {
   RvGiSetRefMapTileIndex(map);
   EXPECT_EQ(RvGiRegistTileCutOrder("Tile", 3), 0);
   EXPECT_EQ(CutOrder(map), (Keys{"Tile1", "Tile2", "Tile3"}));
-  EXPECT_EQ(InsertOrder(map), (Keys{"Tile1", "Tile2", "Tile3"}));
   RvGiInitializeCutOrder();
   EXPECT_EQ(CutOrder(map), (Keys{"Tile1", "Tile2", "Tile3"})) << "Tile10 left both queues";
   EXPECT_EQ(RvGiGetRefMapArtCount(map), 7) << "the keys themselves stay";
@@ -359,7 +341,6 @@ TEST_F(RefMap, TableIndexesOutsideTheListThrowAndTheLibraryGoesOn) {
 
   Recorder r;
   EXPECT_THROW(RvGiRefMapTableTrace(3, 0, &r, Record, 1), std::out_of_range);
-  EXPECT_EQ(g_ExceptionContext, nullptr);
   EXPECT_THROW(RvGiRefMapTableOrderTrace(-1, 0, nullptr, &r, Record, 1), std::out_of_range);
   EXPECT_THROW(RvGiAddRefMapData(3, "k", 2, &a_), std::out_of_range);
   EXPECT_THROW(RvGiGetRefMapArtCount(-1), std::out_of_range);
