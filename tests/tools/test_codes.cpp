@@ -53,14 +53,12 @@ TEST(ToolCodes, WordsFormatAndExitStatusFollowTheModule) {
     int status;
   };
   const Row rows[] = {
-      {0x06001F01, "cancelled while the plot data was being written", "0x06001F01", 6},
       {0x0A001F01, "cancelled while the arts were being sorted", "0x0A001F01", 10},
       {11, "the XML document object doesn't exist", "11", 11},
       {65535, "an XML operation failed, or the condition table wasn't empty", "65535", 16},
       // Unknown codes still say what they are made of; modules above 10 and
       // anything else exit with 17.
       {0x0B002A01, "an unknown failure (module 11, detail 42)", "0x0B002A01", 17},
-      {99, "an unknown failure", "99", 17},
       {0xFFFFFFFF, "an unknown failure", "4294967295", 17},
   };
   for (const Row& row : rows) {

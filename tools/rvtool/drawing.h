@@ -49,9 +49,9 @@ class Document {
 /// Imports FILE into a new document. `unitScale` is millimetres per plotter
 /// unit (0.0: the plotter's 0.025). Throws Failure.
 Document ImportDrawing(const std::string& path, double unitScale);
-/// ImportDrawing with the import stage on a progress bar of its own, for the
-/// commands that only read: a Ctrl-C during the import ends `command` with
-/// the interrupted status. The document comes back active.
+/// ImportDrawing with the import stage on a progress bar of its own: a
+/// Ctrl-C during the import ends `command` with the interrupted status. The
+/// document comes back active.
 Document ImportAndActivate(const std::string& command, const std::string& path, double unitScale);
 
 /// The layers of the active document in list order.
