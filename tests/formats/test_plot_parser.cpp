@@ -18,10 +18,7 @@ using rvtest::ExpectTraces;
 using rvtest::Two;
 
 TEST(PlotDialect, DetectedFromTheFirstBytes) {
-  const struct {
-    std::string bytes;
-    rv::PlotDialect dialect;
-  } rows[] = {
+  const std::pair<std::string, rv::PlotDialect> rows[] = {
       {"IN;PA10,10;", kDialectTwoLetter},
       {"in;pa10,10;", kDialectTwoLetter},
       {"M100,100", kDialectSingleLetter},  // a digit behind a first letter
@@ -39,10 +36,10 @@ TEST(PlotDialect, DetectedFromTheFirstBytes) {
       {std::string(13, '\n') + "IN;", kDialectTwoLetter},
       {std::string(14, '\n') + "IN;", kDialectSingleLetter},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.bytes);
-    EXPECT_EQ(CRvPlotInterpreter::DetectDialect(reinterpret_cast<const uint8_t*>(row.bytes.data()), row.bytes.size()),
-              row.dialect);
+  for (const auto& [bytes, dialect] : rows) {
+    SCOPED_TRACE(bytes);
+    const auto* data = reinterpret_cast<const uint8_t*>(bytes.data());
+    EXPECT_EQ(CRvPlotInterpreter::DetectDialect(data, bytes.size()), dialect);
   }
 }
 

@@ -8,13 +8,11 @@
 #include <cfloat>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
-#include "formats/plt_import.h"
-#include "model/art.h"
 #include "plot_test_util.h"
 #include "rvdataaccess.h"
 #include "test_support.h"
@@ -132,11 +130,7 @@ void ExpectRect(const RVRECT& r, double left, double right, double bottom, doubl
 // ---------------------------------------------------------------------------
 
 TEST(PltImport, StrokesArcsAndTheClosingRule) {
-  const struct {
-    std::string text;
-    double scale;
-    std::string shapes;
-  } rows[] = {
+  const std::tuple<std::string, double, std::string> rows[] = {  // commands, scale, shapes
       // Scale 0.0 is 0.025: PA1000,0 is 25 units long. Any other scale is
       // kept, a negative one too.
       {"PD;PA1000,0;", 0.0, "B(0,0 25,0)"},
@@ -168,13 +162,13 @@ TEST(PltImport, StrokesArcsAndTheClosingRule) {
       {"", 0.0, ""},
       {"IN;PU100,100;PA200,200;LBhello\x03;SP1;", 0.0, ""},
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    const Drawing d = ImportText(row.text, row.scale);
-    EXPECT_EQ(d.code, row.shapes.empty() ? 1u : 0u);
+  for (const auto& [text, scale, shapes] : rows) {
+    SCOPED_TRACE(text);
+    const Drawing d = ImportText(text, scale);
+    EXPECT_EQ(d.code, shapes.empty() ? 1u : 0u);
     EXPECT_EQ(d.layers, 1);
     EXPECT_EQ(d.layerName, "KFPlotFileLayer");
-    EXPECT_EQ(d.Shapes(), row.shapes);
+    EXPECT_EQ(d.Shapes(), shapes);
   }
   // A circle's bounds reach beyond its end points.
   ExpectRect(ImportText("PA5,5;CI10;", 1.0).extent, -5, 15, -5, 15);
@@ -185,13 +179,13 @@ TEST(PltImport, PathValuesAndNothingCarriesOver) {
   // makes them count for the paths that end after it, any other JT not.
   Drawing d = ImportText("VT3,4;JT17;PD;PA10,0;PU;PA0,0;JT3;PD;PA0,10;", 1.0);
   ASSERT_EQ(d.paths.size(), 2u);
-  EXPECT_EQ(Pt(d.paths[0].vcutElement, d.paths[0].vcutValue) + " " + Pt(d.paths[1].vcutElement, d.paths[1].vcutValue),
-            "3,4 -1,0");
-  for (auto [text, values] : {std::pair{"PD;PA10,0;", "-1,0"}, {"VT5,70000;JT27;PD;PA10,0;", "5,4464"},
-                              {"VT5,7;VT9;JT17;PD;PA10,0;", "5,7"}, {"VT5,7;JT17;JT;PD;PA10,0;", "-1,0"}}) {
+  const auto values = [](const PathInfo& p) { return Pt(p.vcutElement, p.vcutValue); };
+  EXPECT_EQ(values(d.paths[0]) + " " + values(d.paths[1]), "3,4 -1,0");
+  for (auto [text, expected] : {std::pair{"PD;PA10,0;", "-1,0"}, {"VT5,70000;JT27;PD;PA10,0;", "5,4464"},
+                                {"VT5,7;VT9;JT17;PD;PA10,0;", "5,7"}, {"VT5,7;JT17;JT;PD;PA10,0;", "-1,0"}}) {
     d = ImportText(text);
     ASSERT_EQ(d.paths.size(), 1u) << text;
-    EXPECT_EQ(Pt(d.paths[0].vcutElement, d.paths[0].vcutValue), values) << text;
+    EXPECT_EQ(values(d.paths[0]), expected) << text;
   }
 
   // A first import leaves scaling, rotation, relative mode, a chord mode, a
@@ -297,13 +291,8 @@ TEST(PltImport, RealFiles) {
   //    runs to the next zero byte (none, or the one NUL of tgoodhew_test);
   //  - XANADU-PLT-test begins with 128 KiB of zero bytes, which decide for
   //    the single-letter dialect: nothing in it draws (the bare value 1).
-  const struct {
-    const char* name;
-    uint32_t code;
-    size_t paths;
-    int32_t points;
-    double left, right, bottom, top;
-  } cases[] = {
+  // name, result, paths, points, left, right, bottom, top
+  const std::tuple<const char*, uint32_t, size_t, int32_t, double, double, double, double> cases[] = {
       {"vk2bea_Cassini.hpgl", 0, 1487, 4726, 27.125, 382.025, -10.75, 272.5},
       {"vk2bea_hp.hpgl", 0, 25, 1793, 10.0, 10.025, 112.5, 112.5},
       {"vk2bea_space-shuttle.hpgl", 0, 226, 4481, 87.5, 87.525, 7.5, 7.525},
@@ -320,13 +309,13 @@ TEST(PltImport, RealFiles) {
       {"jemgreen_test3-Model_RO180.PLT", 0, 1, 5, 0.0, 39.875, -39.875, 0.0},
       {"jemgreen_XANADU-PLT-test.plt", 1, 0, 0, DBL_MAX, -DBL_MAX, DBL_MAX, -DBL_MAX},
   };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
-    const Drawing d = ImportFile(rvtest::RealData(c.name));
-    EXPECT_EQ(d.code, c.code);
-    EXPECT_EQ(d.paths.size(), c.paths);
-    EXPECT_EQ(d.points, c.points);
-    ExpectRect(d.extent, c.left, c.right, c.bottom, c.top);
+  for (const auto& [name, code, paths, points, left, right, bottom, top] : cases) {
+    SCOPED_TRACE(name);
+    const Drawing d = ImportFile(rvtest::RealData(name));
+    EXPECT_EQ(d.code, code);
+    EXPECT_EQ(d.paths.size(), paths);
+    EXPECT_EQ(d.points, points);
+    ExpectRect(d.extent, left, right, bottom, top);
   }
 
   // tgoodhew_feature-exercise.plt by hand: the frame, seven LT sample
@@ -340,7 +329,8 @@ TEST(PltImport, RealFiles) {
   ExpectRect(d.extent, 0, 250, 0, 175);
   // CI420 about (3500,5500) * 0.025, closed; AA: the upper half from
   // (4700,5500) to (3700,5500), open.
-  EXPECT_EQ(d.paths[8].shape + (d.paths[8].closed == 1 ? " closed" : ""), "A(98,137.5>98,137.5@87.5,137.5:360+) closed");
+  EXPECT_EQ(d.paths[8].shape + (d.paths[8].closed == 1 ? " closed" : ""),
+            "A(98,137.5>98,137.5@87.5,137.5:360+) closed");
   ExpectRect(d.paths[9].bounds, 92.5, 117.5, 137.5, 150);
   EXPECT_EQ(d.paths[9].closed, 0);
   // EW: from the centre out to (6020,5500), round to (5390,5864), back.
@@ -354,20 +344,18 @@ TEST(PltImport, StraightStrokesAreBoundedByTheirAnchors) {
   // are the extremes of the anchors, however long the moves are. The box
   // starts from left 32767, right -32768, bottom 32767, top -32768, so a
   // stroke far from the origin keeps those sides.
-  const struct {
-    std::string text;
-    double scale, left, right, bottom, top;
-  } rows[] = {
+  // commands, scale, left, right, bottom, top
+  const std::tuple<std::string, double, double, double, double, double> rows[] = {
       {"PA-5,7;PD;PA20,-3;PA4,11;PU;PA0,0;", 1.0, -5, 20, -3, 11},
       {"PA100000,200000;PD;PA300000,150000;", 1.0, 32767, 300000, 32767, 200000},
       {"PA-100000,-200000;PD;PA-300000,-150000;", 1.0, -300000, -32768, -200000, -32768},
       {"PD;PA99999999,-99999999;", 0.0, 0, 2499999.975, -2499999.975, 0},  // 2.5 km at 0.025
   };
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.text);
-    const Drawing d = ImportText(row.text, row.scale);
+  for (const auto& [text, scale, left, right, bottom, top] : rows) {
+    SCOPED_TRACE(text);
+    const Drawing d = ImportText(text, scale);
     EXPECT_EQ(d.code, 0u);
-    ExpectRect(d.extent, row.left, row.right, row.bottom, row.top);
+    ExpectRect(d.extent, left, right, bottom, top);
   }
 }
 

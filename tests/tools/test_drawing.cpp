@@ -7,6 +7,7 @@
 #include <cmath>
 #include <csignal>
 #include <sstream>
+#include <tuple>
 
 #include "commands.h"
 #include "conditions.h"
@@ -31,20 +32,17 @@ std::string Text(const RVPOINT& p) {
   return text;
 }
 
-TEST(ToolDrawing, DeepNestingIsWalkedWithoutRecursion) {
+TEST(ToolDrawing, DeepNestingFlatteningOfCornersAndArcsAndTheMatrix) {
   ApiDrawing drawing;
+  // Paths below deep nesting are found without recursion.
   void* parent = drawing.frame;
   for (int i = 0; i < 20000; ++i) parent = NewArt(1, parent);
   void* deep = NewArt(4, parent);
   std::vector<void*> paths;
   rvtool::ForEachPath(drawing.frame, [&](void* p) { paths.push_back(p); });
   EXPECT_EQ(paths, (std::vector<void*>{drawing.square, drawing.a, drawing.b, deep}));
-}
-
-TEST(ToolDrawing, FlatteningKeepsCornersPutsArcsOnTheirCircleAndAppliesTheMatrix) {
-  ApiDrawing drawing;
   const rvtool::Scene scene = rvtool::SceneOfActiveDocument();
-  ASSERT_EQ(scene.strokes.size(), 4u);
+  ASSERT_EQ(scene.strokes.size(), 4u);  // the deep path has nothing to draw
   std::string square;
   for (const RVPOINT& p : scene.strokes[0].points) square += Text(p) + " ";
   EXPECT_EQ(square, "10,10 30,10 30,30 10,30 10,10 ");
@@ -124,21 +122,20 @@ TEST(ToolFiling, KeysAreLayerOrStrokeColourNamesInOrderOfTheirFirstPath) {
     ASSERT_EQ(RvGiSetPathColor(2, path, &colour, name), 0u);
   }
   ASSERT_EQ(RvGiSetPathAttrFlag(drawing.a, 4), 0u);
-  struct Row {
-    FileBy by;
-    std::vector<std::string> keys;  // with their numbers of paths
-    std::vector<void*> paths;
-  };
-  // By colour the square, without a stroke colour, is "None".
+  // Filing, the keys with their numbers of paths, and the paths in their
+  // order. By colour the square, without a stroke colour, is "None".
+  using Row = std::tuple<FileBy, std::vector<std::string>, std::vector<void*>>;
   const ApiDrawing& d = drawing;
-  for (const Row& row : {Row{FileBy::Layer, {"Frame 3", "Arcs 1"}, {d.square, d.a, d.b, d.arc}},
-                         Row{FileBy::Colour, {"None 1", "Red 2", "Blue 1"}, {d.square, d.a, d.arc, d.b}}}) {
+  for (const auto& [by, keys, filed] :
+       {Row{FileBy::Layer, {"Frame 3", "Arcs 1"}, {d.square, d.a, d.b, d.arc}},
+        Row{FileBy::Colour, {"None 1", "Red 2", "Blue 1"}, {d.square, d.a, d.arc, d.b}}}) {
     rvtool::RefMapTables tables;
-    const auto groups = rvtool::GroupPaths(row.by);
-    std::vector<std::string> keys;
-    for (const rvtool::FiledKey& group : groups) keys.push_back(group.key + " " + std::to_string(group.paths.size()));
-    EXPECT_EQ(keys, row.keys);
-    const int16_t map = rvtool::FileInRefMap(groups, row.by);
+    const auto groups = rvtool::GroupPaths(by);
+    std::vector<std::string> counted;
+    for (const rvtool::FiledKey& group : groups)
+      counted.push_back(group.key + " " + std::to_string(group.paths.size()));
+    EXPECT_EQ(counted, keys);
+    const int16_t map = rvtool::FileInRefMap(groups, by);
     EXPECT_EQ(map, 0);  // the first table: the one before went with its owner
     // The table's arts marked for output (info 2), in the trace's order:
     // the keys' paths in drawing order.
@@ -148,8 +145,8 @@ TEST(ToolFiling, KeysAreLayerOrStrokeColourNamesInOrderOfTheirFirstPath) {
       return 0;
     };
     ASSERT_EQ(RvGiRefMapTableTrace(map, 2, &traced, collect, 1), 0u);
-    EXPECT_EQ(traced, row.paths);
-    EXPECT_EQ(RvGiGetRefMapArtCount(map), static_cast<int32_t>(row.keys.size()));
+    EXPECT_EQ(traced, filed);
+    EXPECT_EQ(RvGiGetRefMapArtCount(map), static_cast<int32_t>(keys.size()));
   }
   // Every path counts for the job's bounds; flags already set stay.
   uint8_t flags = 0;
