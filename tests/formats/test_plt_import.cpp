@@ -385,8 +385,9 @@ TEST(PltImport, TruncatedAndGarbageFilesImport) {
 TEST(PltImport, HugeInputsImportInBoundedTimeAndMemory) {
   // 100 MB in one line without a terminator (25 MB under the sanitizers):
   // pen-up pairs, no path grows; the one point drawn before the pen went up.
-  // Then one number of 16 MB (4 MB), skipped to its terminator without a
-  // move; the stroke after it starts at the last pair.
+  // Then PA with a first number of 16 MB (4 MB): a fault, so the command is
+  // skipped to its terminator without a move; the stroke after it starts at
+  // the last pair.
   rvtest::TempDir dir;
   const std::string path = dir.file("huge.plt");
   std::FILE* f = std::fopen(path.c_str(), "wb");
@@ -398,7 +399,7 @@ TEST(PltImport, HugeInputsImportInBoundedTimeAndMemory) {
   std::fputs("PA", f);
   const std::string digits(1u << 20, '9');
   for (long i = 0; i < 16 / rvtest::kHugeScale; ++i) std::fwrite(digits.data(), 1, digits.size(), f);
-  std::fputs(";PD;PA1,1;", f);
+  std::fputs(",5;PD;PA1,1;", f);
   ASSERT_EQ(std::fclose(f), 0);
   const Drawing d = ImportFile(path, 1.0);
   EXPECT_EQ(d.code, 0u);
