@@ -91,8 +91,8 @@ TEST_F(LoadTest, DuplicateMediaMergeAndOrderAndSpacesDontMatter) {
   std::string body =
       "\r\n  <CutCondition>\r\n    <Condition>\n      <Theta>Available=1,[1][2][3][4][5][6]</Theta>\n"
       "      <Offset>0.125</Offset> <Press>7</Press>\t<Speed>9</Speed>\n      <Tool>T</Tool>\n    </Condition>\n"
-      "    <!-- a comment --><Name>Spaced</Name>\n    <Thickness>junk</Thickness>\n  </CutCondition>\n";
-  ASSERT_EQ(Reload(0, File(body)), 0u);
+      "    <Name>Spa<!-- a comment -->ced</Name>\n    <Thickness>junk</Thickness>\n  </CutCondition>\n";
+  ASSERT_EQ(Reload(0, "\xEF\xBB\xBF" + File(body)), 0u);  // with a byte order mark
   EXPECT_EQ(Saved(), File(Media("Spaced", "<Condition><Tool>T</Tool><Speed>9</Speed><Press>7</Press><Offset>0.125000"
                                           "</Offset><Theta>Available=1,[1.0][2.0][3.0][4.0][5.0][6.0]</Theta>"
                                           "</Condition>")));

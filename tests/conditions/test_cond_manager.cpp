@@ -8,10 +8,6 @@ using namespace condtest;
 
 class ManagerTest : public ConditionTest {
  protected:
-  void SetUp() override {
-    ConditionTest::SetUp();
-    UseMachineType(0, "TQCutConditionList", "1.00");
-  }
   uint32_t Add(const char* media, int index, const char* tool) {
     CondRecord r = Cutting(tool, 10, 20, 0.3);
     CondPair p{&r, nullptr};

@@ -22,7 +22,6 @@ class RoundTrip : public ConditionTest {
 };
 
 TEST_F(RoundTrip, TQWritesUnsetValuesAsMinusOneAndLoadsThemUnset) {
-  UseMachineType(0, "TQCutConditionList", "1.00");
   CondRecord p0 = Cutting("CB09", 20, 100, 0.25), p1 = Cutting("CB15", 99, 50, 0.0);
   p0.DivideCut = kDivide;
   p0.Thickness = 4.0;  // not a TQ element
@@ -131,19 +130,17 @@ TEST_F(RoundTrip, HWDVersionOneUsesWordsAndDefaultsTheAtomization) {
   ASSERT_EQ(Load(13, OldCoating("&lt;Normal&gt;")), 0u);
   std::string resaved = Golden("hwd.xml");
   EXPECT_EQ(Saved(), resaved.replace(resaved.find("0.200000"), 8, "0.100000"));
-  const std::pair<const char*, double> words[] = {{"&lt;Thick&gt;", 30.0},
-                                                  {"&lt;Slightly Thick&gt;", 25.0},
-                                                  {"<![CDATA[<Slightly Thin>]]>", 15.0},
-                                                  {"&lt;Thin&gt;", 10.0}};
-  for (const auto& [word, value] : words) {
-    ASSERT_EQ(Reload(13, OldCoating(word)), 0u) << word;
-    EXPECT_EQ(AllPasses().at(0).record.CoatingThickness, value) << word;
-  }
-  // Any other word fails, a number too; after 1.00 the atomization pressure is required.
-  const std::pair<const char*, const char*> refused[] = {
-      {"&lt;Medium&gt;", "1.00"}, {"20.000000", "1.00"}, {"&lt;normal&gt;", "1.00"}, {"20.0", "2.00"}};
-  for (const auto& [thickness, version] : refused) {
-    EXPECT_EQ(Reload(13, OldCoating(thickness, version)), 15u) << thickness << " " << version;
+  // The other words; -1: refused, as any other text, a number, or a version after 1.00 without AtomizationPress.
+  const std::tuple<const char*, const char*, double> rows[] = {
+      {"&lt;Thick&gt;", "1.00", 30.0}, {"&lt;Slightly Thick&gt;", "1.00", 25.0},
+      {"<![CDATA[<Slightly Thin>]]>", "1.00", 15.0}, {"&lt;Thin&gt;", "1.00", 10.0},
+      {"&lt;Medium&gt;", "1.00", -1}, {"&lt;normal&gt;", "1.00", -1},
+      {"20.000000", "1.00", -1}, {"20.0", "2.00", -1}};
+  for (const auto& [thickness, version, value] : rows) {
+    EXPECT_EQ(Reload(13, OldCoating(thickness, version)), value < 0 ? 15u : 0u) << thickness << " " << version;
+    if (value > 0) {
+      EXPECT_EQ(AllPasses().at(0).record.CoatingThickness, value) << thickness;
+    }
   }
 }
 
@@ -158,7 +155,6 @@ TEST_F(RoundTrip, LaserFamiliesWriteSpeedPowerAndTheirThirdValue) {
 }
 
 TEST_F(RoundTrip, LongNamesAreCutToTheFileLimit) {
-  UseMachineType(0, "TQCutConditionList", "1.00");
   Add(std::string(300, 'n').c_str(), 0, Cutting("T", 1, 2, 0.5));
   EXPECT_NE(Saved().find("<Name>" + std::string(255, 'n') + "</Name>"), std::string::npos);
 }

@@ -91,15 +91,6 @@ TEST_F(DomTree, DescendantsAreFoundInDocumentOrderAcrossInsertions) {
   }
 }
 
-TEST_F(DomTree, LoadAndSaveKeepTheWhiteSpaceInsideTheRoot) {
-  DOMNode root = Load("\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<R>\n  <A>  a  </A>\n  <A>\t</A>\n</R>\n");
-  std::wstring text;
-  ASSERT_EQ(m_tree.GetText(root, &text), 0u);
-  EXPECT_EQ(text, L"\n    a  \n  \t\n");
-  ASSERT_EQ(m_tree.Save(m_dir.file("copy.xml")), 0u);
-  EXPECT_EQ(rvtest::ReadFile(m_dir.file("copy.xml")), "<?xml version=\"1.0\"?><R>\n  <A>  a  </A>\n  <A>\t</A>\n</R>");
-}
-
 TEST_F(DomTree, DeepNestingIsWalkedWithoutRecursion) {
   const int depth = 200000;
   std::string xml;
