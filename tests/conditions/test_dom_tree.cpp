@@ -28,15 +28,7 @@ class DomTree : public ::testing::Test {
     }
     return all;
   }
-  DOMNode Load(const std::string& xml) {
-    rvtest::WriteFile(m_dir.file("in.xml"), xml);
-    DOMNode root = nullptr;
-    EXPECT_EQ(m_tree.Load(m_dir.file("in.xml")), 0u);
-    EXPECT_EQ(m_tree.GetRoot(&root), 0u);
-    return root;
-  }
   rv::DOMTree m_tree;
-  rvtest::TempDir m_dir;
 };
 
 TEST_F(DomTree, EveryOperationNeedsADocumentAndItsNodes) {
@@ -97,7 +89,11 @@ TEST_F(DomTree, DeepNestingIsWalkedWithoutRecursion) {
   for (int i = 0; i < depth; ++i) xml += "<a>";
   xml += "<b>x</b>";
   for (int i = 0; i < depth; ++i) xml += "</a>";
-  DOMNode root = Load(xml);
+  rvtest::TempDir dir;
+  rvtest::WriteFile(dir.file("in.xml"), xml);
+  DOMNode root = nullptr;
+  ASSERT_EQ(m_tree.Load(dir.file("in.xml")), 0u);
+  ASSERT_EQ(m_tree.GetRoot(&root), 0u);
   int32_t count = 0;
   ASSERT_EQ(m_tree.CountElements(root, L"a", &count), 0u);
   EXPECT_EQ(count, depth - 1);
