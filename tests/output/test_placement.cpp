@@ -132,8 +132,6 @@ TEST(BlockKey, SerpentineRowsOverTheWorkingArea) {
       {shifted, 57, 150, 21 + 20}, {c1, 30, 35, 22}, {c1, 30, 22, 10 + 8},
   };
   for (const auto& row : rows) EXPECT_EQ(rv::BlockKey(row.grid, row.x, row.y), row.key) << row.x << " " << row.y;
-  EXPECT_EQ(rv::BlockSize(1), 10.0);
-  EXPECT_EQ(rv::BlockSize(7), 50.0);
 }
 
 }  // namespace
