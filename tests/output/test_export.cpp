@@ -164,7 +164,9 @@ TEST_F(ExportTest, ProgressOfTheSortsAndOfWriting) {
 
 // Writing is cancelled after the first art: the file holds it and the end is
 // reported. The sort by bounds asks first at its own start, the block sort
-// of class 0 the second time, at 50 percent. The document's box comes back.
+// of class 0 the second time, at 50 percent. The job's rectangle is grown by
+// the margins, so its lower left lies at (-1, -1), and the document's box
+// comes back afterwards.
 TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
   AddPath({{0, 0}, {10, 0}}, false, "A");
   AddPath({{0, 5}, {10, 5}}, false, "B");
@@ -173,7 +175,7 @@ TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
   ASSERT_EQ(RvGiSetDocBoundingBox(&page), 0u);
   struct Row { uint16_t cls; int32_t sort; int cancelAt; const char* file; uint32_t code; std::vector<int> steps; };
   const Row rows[] = {
-      {6, 0, 0, "PU0.00,1.00;PD0.00,1.00;PD0.00,11.00;PU;", 0x06001F01u, {50}},
+      {6, 0, 0, "PU1.00,1.00;PD1.00,1.00;PD1.00,11.00;PU;", 0x06001F01u, {50}},
       {6, 1, 0, "", 0x0A001F01u, {0}},
       {0, 1, 1, "", 0x0A001F01u, {0, 50}},
   };
@@ -181,7 +183,7 @@ TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
     ProgressLog log;
     log.cancelAt = row.cancelAt;
     RVPLOTPARAM p = Param(row.cls, 0);
-    p.sortArts = row.sort, p.expandDocument = 1, p.marginLeft = 1;
+    p.sortArts = row.sort, p.expandDocument = 1, p.marginLeft = p.marginBottom = 1;
     uint32_t code = 0;
     EXPECT_EQ(Export(p, &code, &log), row.file);
     EXPECT_EQ(code, row.code);
@@ -189,26 +191,16 @@ TEST_F(ExportTest, CancelWhileWritingAndWhileSorting) {
     EXPECT_EQ(log.ends, 1);
     RVRECT after{};
     ASSERT_EQ(RvGiGetDocBoundBox(&after), 0u);
-    EXPECT_EQ(after.left, -5.0);
+    EXPECT_TRUE(after.left == -5.0 && after.bottom == -5.0);
   }
 }
 
-TEST_F(ExportTest, ExpandDocumentAndFrame) {
+TEST_F(ExportTest, FrameRoundTheJob) {
   AddPath({{0, 0}, {10, 0}, {10, 4}}, false, "A");
-  const RVRECT page = Rect(-5, -5, 50, 50);
-  ASSERT_EQ(RvGiSetDocBoundingBox(&page), 0u);
-  RVPLOTPARAM p = Param(6, 0);
-  p.expandDocument = 1, p.marginLeft = 2, p.marginBottom = 3;
-  // The rectangle's lower left moves to (-2, -3) for the time of the job.
-  EXPECT_EQ(Export(p), "PU3.00,2.00;PD3.00,2.00;PD3.00,12.00;PD7.00,12.00;PU;");
-  RVRECT after{};
-  ASSERT_EQ(RvGiGetDocBoundBox(&after), 0u);
-  EXPECT_TRUE(after.left == -5.0 && after.bottom == -5.0);
-
   // The frame moves the job by its margins (1, 2). A key without conditions
   // gives one pass without a block; the frame runs round (0,0)-(10 + 2, 4 + 4)
   // after a block of the defaults.
-  p = Param(6, 0);
+  RVPLOTPARAM p = Param(6, 0);
   p.drawFrame = 1, p.frameMarginX = 1, p.frameMarginY = 2;
   p.conditionSource = 3;
   std::strcpy(p.conditionKey, "none");
