@@ -148,6 +148,13 @@ TEST_F(ExportTest, ProgressOfTheSortsAndOfWriting) {
   Export(p, nullptr, &log);
   EXPECT_EQ(log.steps, (std::vector<int>{0, 50, 75, 100, 50, 100}));
   EXPECT_EQ(log.begins, 1);
+  // One sort by bounds per cut-order step, each of one art: its own start,
+  // the key order, the refinement; the arts written count against the last
+  // sort's size.
+  log = ProgressLog{};
+  p.plotterClass = 6, p.sortPerCutOrder = 1;
+  Export(p, nullptr, &log);
+  EXPECT_EQ(log.steps, (std::vector<int>{0, 0, 50, 100, 0, 0, 50, 200}));
 
   // An excluded art (attribute bit 16) writes nothing but still widens the
   // placement rectangle; only the other is counted, both advance the count

@@ -107,7 +107,7 @@ TEST(NumberFormat, RowsFormatAsPrintfWould) {
 
 TEST(ToolMap, MapsByExactNameElseByTheNumberInTheName) {
   RVPLOTPARAM p{};
-  const std::pair<const char*, uint16_t> map[] = {{"CUT", 4}, {"HALF", 0}, {"12", 3}, {"", 9}, {"AFTER", 8}};
+  const std::pair<const char*, uint16_t> map[] = {{"CUT", 4}, {"8", 0}, {"12", 3}, {"", 9}, {"AFTER", 8}};
   for (int i = 0; i < 5; ++i) {
     std::snprintf(p.toolPens[i].name, sizeof p.toolPens[i].name, "%s", map[i].first);
     p.toolPens[i].pen = map[i].second;
@@ -115,7 +115,7 @@ TEST(ToolMap, MapsByExactNameElseByTheNumberInTheName) {
   const std::pair<const char*, uint16_t> rows[] = {
       {"CUT", 4},   {"cut", 0},     // exact bytes only
       {"CUT2", 0},                  // not a prefix match
-      {"HALF", 0},                  // pen 0 in the map: the name decides
+      {"8", 8},                     // pen 0 in the map: the name decides
       {"12", 3},                    // the map wins over the number
       {"AFTER", 0},                 // behind the empty name, never seen
       {"7", 7},     {"PEN", 0},     {" 15x", 15}, {"-15", 0xFFF1},
