@@ -18,6 +18,20 @@ std::string MediaName(const char* media) {
   return std::string(media);
 }
 
+/// A pair argument: one without a record is refused.
+const CondPair& PairArg(const CondPair* pair) {
+  if (pair == nullptr || pair->record == nullptr) rv::Raise(kNotInTable);
+  return *pair;
+}
+
+/// The host's trace callback as a visitor of the table; it gets a copy of each pair.
+CRvCutCdnMng::PassVisitor CallBack(void* ctx, RvCutConditionTraceFunc callback) {
+  return [ctx, callback](const std::string& name, const CondPair& pair) {
+    const CondPair copy = pair;
+    return uint32_t(callback(ctx, name.c_str(), &copy));
+  };
+}
+
 std::string PathOf(const char* path) { return path != nullptr ? std::string(path) : std::string(); }
 
 }  // namespace
@@ -25,19 +39,11 @@ std::string PathOf(const char* path) { return path != nullptr ? std::string(path
 extern "C" {
 
 RV_API uint32_t RvAddCutCondition(const char* media, int32_t repeatIndex, const CondPair* pair) {
-  return rv::Guard([&] {
-    std::string name = MediaName(media);
-    if (pair == nullptr || pair->record == nullptr) rv::Raise(kNotInTable);
-    rv::Check(Manager().AddCondition(name, repeatIndex, *pair));
-  });
+  return rv::Guard([&] { rv::Check(Manager().AddCondition(MediaName(media), repeatIndex, PairArg(pair))); });
 }
 
 RV_API uint32_t RvInsertCutCondition(const char* media, int32_t position, const CondPair* pair) {
-  return rv::Guard([&] {
-    std::string name = MediaName(media);
-    if (pair == nullptr || pair->record == nullptr) rv::Raise(kNotInTable);
-    rv::Check(Manager().InsertCondition(name, position, *pair));
-  });
+  return rv::Guard([&] { rv::Check(Manager().InsertCondition(MediaName(media), position, PairArg(pair))); });
 }
 
 RV_API uint32_t RvCLSetCutCondition(const char* media, const CLCondition* records, int32_t count) {
@@ -62,20 +68,14 @@ RV_API uint32_t RvDeleteAllCutCondition(void) {
 RV_API uint32_t RvCutConditionTrace(void* ctx, RvCutConditionTraceFunc callback) {
   return rv::Guard([&] {
     if (callback == nullptr) return;
-    rv::Check(Manager().Trace([&](const std::string& name, const CondPair& pair) {
-      const CondPair copy = pair;
-      return uint32_t(callback(ctx, name.c_str(), &copy));
-    }));
+    rv::Check(Manager().Trace(CallBack(ctx, callback)));
   });
 }
 
 RV_API uint32_t RvCutConditionTraceByKey(const char* media, void* ctx, RvCutConditionTraceFunc callback) {
   return rv::Guard([&] {
     if (media == nullptr || callback == nullptr) return;
-    rv::Check(Manager().TraceByKey(media, [&](const std::string& name, const CondPair& pair) {
-      const CondPair copy = pair;
-      return uint32_t(callback(ctx, name.c_str(), &copy));
-    }));
+    rv::Check(Manager().TraceByKey(media, CallBack(ctx, callback)));
   });
 }
 

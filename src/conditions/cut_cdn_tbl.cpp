@@ -111,6 +111,18 @@ void NormaliseText(char (&field)[N]) {
   }
 }
 
+// A queue entry and the value it holds: a milling extension sits in a padded slot.
+template <class T>
+T EntryOf(const T& value) {
+  return value;
+}
+CRvCutCdnTbl::MillingSlot EntryOf(const MillingExtension& value) { return CRvCutCdnTbl::MillingSlot{value, {}}; }
+template <class T>
+const T& ValueOf(const T& entry) {
+  return entry;
+}
+const MillingExtension& ValueOf(const CRvCutCdnTbl::MillingSlot& slot) { return slot.value; }
+
 }  // namespace
 
 bool Equal(const CondRecord& a, const CondRecord& b) {
@@ -151,8 +163,8 @@ CRvCutCdnTbl& CRvCutCdnTbl::Instance() {
 
 CRvCutCdnTbl::~CRvCutCdnTbl() = default;
 
-template <class T>
-const T* CRvCutCdnTbl::Intern(std::deque<T>& queue, std::unordered_multimap<std::size_t, const T*>& index,
+template <class T, class Entry>
+const T* CRvCutCdnTbl::Intern(std::deque<Entry>& queue, std::unordered_multimap<std::size_t, const T*>& index,
                               const T& value) {
   Hasher h = HashOf(value);
   if (!h.hasNaN()) {
@@ -163,8 +175,8 @@ const T* CRvCutCdnTbl::Intern(std::deque<T>& queue, std::unordered_multimap<std:
       if (Equal(*it->second, value)) return it->second;
     }
   }
-  queue.push_back(value);
-  const T* stored = &queue.back();
+  queue.push_back(EntryOf(value));
+  const T* stored = &ValueOf(queue.back());
   if (!h.hasNaN()) index.emplace(h.value(), stored);
   return stored;
 }
@@ -184,25 +196,11 @@ const void* CRvCutCdnTbl::InternExtension(const void* extension, ExtensionForm f
   if (form == ExtensionForm::Milling) {
     MillingExtension value{};
     if (extension != nullptr) std::memcpy(&value, extension, sizeof value);
-    return InternMilling(value);
+    return Intern(m_millings, m_millingIndex, value);
   }
   ThetaExtension value{};
   if (extension != nullptr) std::memcpy(&value, extension, sizeof value);
   return Intern(m_thetas, m_thetaIndex, value);
-}
-
-const MillingExtension* CRvCutCdnTbl::InternMilling(const MillingExtension& value) {
-  Hasher h = HashOf(value);
-  if (!h.hasNaN()) {
-    auto [first, last] = m_millingIndex.equal_range(h.value());
-    for (auto it = first; it != last; ++it) {
-      if (Equal(*it->second, value)) return it->second;
-    }
-  }
-  m_millings.push_back(MillingSlot{value, {}});
-  const MillingExtension* stored = &m_millings.back().value;
-  if (!h.hasNaN()) m_millingIndex.emplace(h.value(), stored);
-  return stored;
 }
 
 CRvCutCdnInfo::~CRvCutCdnInfo() = default;

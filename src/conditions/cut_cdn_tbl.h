@@ -62,14 +62,13 @@ class CRvCutCdnTbl {
  private:
   CRvCutCdnTbl() = default;
 
-  template <class T>
-  const T* Intern(std::deque<T>& queue, std::unordered_multimap<std::size_t, const T*>& index, const T& value);
+  template <class T, class Entry>
+  const T* Intern(std::deque<Entry>& queue, std::unordered_multimap<std::size_t, const T*>& index, const T& value);
 
   // Lookup aids over the queues: hash of the values to the entries.
   std::unordered_multimap<std::size_t, const CondRecord*> m_conditionIndex;
   std::unordered_multimap<std::size_t, const ThetaExtension*> m_thetaIndex;
   std::unordered_multimap<std::size_t, const MillingExtension*> m_millingIndex;
-  const MillingExtension* InternMilling(const MillingExtension& value);
 };
 
 /// The conditions of one media, pass 1 at position 0. Owns its queue, not

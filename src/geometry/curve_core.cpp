@@ -1,7 +1,6 @@
 #include "geometry/curve_core.h"
 
 #include <cmath>
-#include <limits>
 
 #include "geometry/affine.h"
 
@@ -10,7 +9,7 @@ namespace rv {
 int32_t GridCell(double v) {
   const double scaled = v * 100.0;
   // NaN fails both comparisons and lands in the overflow cell too.
-  if (!(scaled > -2147483649.0 && scaled < 2147483648.0)) return std::numeric_limits<int32_t>::min();
+  if (!(scaled > -2147483649.0 && scaled < 2147483648.0)) return kGridOverflow;
   return int32_t(scaled);
 }
 

@@ -29,7 +29,8 @@ constexpr std::size_t kMaxFlattenPoints = std::size_t(1) << 20;
 
 /// Grid cell of a coordinate: the value times 100, truncated toward zero to a
 /// 32-bit integer. Values outside the 32-bit range (and NaN) share the cell
-/// INT32_MIN, as the processor's truncating conversion gives.
+/// kGridOverflow (INT32_MIN), as the processor's truncating conversion gives.
+constexpr int32_t kGridOverflow = INT32_MIN;
 int32_t GridCell(double v);
 
 /// True when p and q lie in the same 0.01 cell.

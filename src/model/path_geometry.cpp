@@ -49,6 +49,21 @@ void MergeCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
     MergePoint(box, b.anchor);
     return;
   }
+  // A piece that can't be flattened within the point limit is held by its
+  // control points. Two kinds are known beforehand, so that a file full of
+  // them costs no more than their count: a piece reaching beyond the 0.01
+  // grid (its cells saturate, halving never makes it flat), and one whose
+  // ends lie farther apart than the limit's chords span (every chord of a
+  // piece inside the grid is shorter than kCoarseLength).
+  const RVPOINT hull[4] = {a.anchor, a.out, b.in, b.anchor};
+  bool outside = false;
+  for (const RVPOINT& p : hull) {
+    outside = outside || GridCell(p.x) == kGridOverflow || GridCell(p.y) == kGridOverflow;
+  }
+  if (outside || Distance(a.anchor, b.anchor) >= kCoarseLength * double(kMaxFlattenPoints)) {
+    for (const RVPOINT& p : {a.out, b.in, b.anchor}) MergePoint(box, p);
+    return;
+  }
   try {
     MergeFlattenedCurve(box, a, b, kCoarseLength, kCoarseTolerance, kFlattenMode);
   } catch (const RvError& e) {

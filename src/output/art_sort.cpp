@@ -72,8 +72,8 @@ RVPOINT StartCorner(const RVPLOTPARAM& param, bool byBounds) {
 
 // ---------------------------------------------------------------- CRvArtSort
 
-CRvArtSort::CRvArtSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
-    : m_matrix(placement), m_param(param) {
+CRvArtSort::CRvArtSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param, bool ownStage)
+    : m_matrix(placement), m_param(param), m_ownStage(ownStage) {
   m_areaWidth = param.deviceMaxX - param.deviceMinX;
   m_areaHeight = param.deviceMaxY - param.deviceMinY;
   m_minX = param.deviceMinX;
@@ -148,10 +148,32 @@ uint32_t CRvArtSort::Collect(void* context, bool openFirst, bool keepPartial, Wa
   });
 }
 
+// The walks of keys and tables keep what they collected before a failure
+// where the sort has a stage of its own; a failed cut-order walk always
+// fails the sort.
+uint32_t CRvArtSort::SortByKey(void* context, const std::string& key, int32_t drill) {
+  m_entries.clear();
+  return Collect(context, m_ownStage, m_ownStage, [&](auto collect) {
+    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, collect);
+  });
+}
+
+uint32_t CRvArtSort::SortByOrder(void* context, int16_t& order, int32_t drill) {
+  return Collect(context, m_ownStage, false, [&](auto collect) {
+    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, collect);
+  });
+}
+
+uint32_t CRvArtSort::SortTable(void* context, int32_t drill) {
+  return Collect(context, m_ownStage, m_ownStage, [&](auto collect) {
+    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, collect);
+  });
+}
+
 // -------------------------------------------------------- CRvBlockBubbleSort
 
 CRvBlockBubbleSort::CRvBlockBubbleSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
-    : CRvArtSort(placement, param) {
+    : CRvArtSort(placement, param, false) {
   m_startPoint = Apply(m_matrix, StartCorner(param, false));
 }
 
@@ -189,33 +211,12 @@ void CRvBlockBubbleSort::Refine(void* context) {
                        [&](std::size_t done) { Step(context, RefinePercent(done, total)); });
 }
 
-// The block sort opens its stage only with the key order, and a failed
-// walk fails the sort.
-uint32_t CRvBlockBubbleSort::SortByKey(void* context, const std::string& key, int32_t drill) {
-  m_entries.clear();
-  return Collect(context, false, false, [&](auto collect) {
-    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, collect);
-  });
-}
-
-uint32_t CRvBlockBubbleSort::SortByOrder(void* context, int16_t& order, int32_t drill) {
-  return Collect(context, false, false, [&](auto collect) {
-    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, collect);
-  });
-}
-
-uint32_t CRvBlockBubbleSort::SortTable(void* context, int32_t drill) {
-  return Collect(context, false, false, [&](auto collect) {
-    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, collect);
-  });
-}
-
 uint32_t CRvBlockBubbleSort::SortTableRange(void*, int16_t, int16_t, int32_t) { return 0; }
 
 // -------------------------------------------------------- CRvArtSortByBounds
 
 CRvArtSortByBounds::CRvArtSortByBounds(const RVRIFMATRIX& placement, const RVPLOTPARAM& param)
-    : CRvArtSort(placement, param) {
+    : CRvArtSort(placement, param, true) {
   m_startPoint = Apply(m_matrix, StartCorner(param, true));
 }
 
@@ -235,28 +236,6 @@ void CRvArtSortByBounds::Refine(void* context) {
   for (const RVSORTENTRY& e : m_entries) boxes.push_back(IntegerBox(BoundsOf(e.art)));
   const std::size_t total = m_entries.size();
   RefineByBounds(m_entries, boxes, [&](std::size_t index) { Step(context, RefinePercent(index, total)); });
-}
-
-// The bounds sort opens a stage of its own before the walk. Its walks of
-// keys and tables don't look at their result: the arts that were collected
-// before a failure are sorted and written. A failed cut-order walk fails it.
-uint32_t CRvArtSortByBounds::SortByKey(void* context, const std::string& key, int32_t drill) {
-  m_entries.clear();
-  return Collect(context, true, true, [&](auto collect) {
-    RefMapStore::Instance().MatchTrace(MainTable(), key, kRefMapOutput, drill != 0, collect);
-  });
-}
-
-uint32_t CRvArtSortByBounds::SortByOrder(void* context, int16_t& order, int32_t drill) {
-  return Collect(context, true, false, [&](auto collect) {
-    RefMapStore::Instance().OrderTrace(MainTable(), kRefMapOutput, order, drill != 0, collect);
-  });
-}
-
-uint32_t CRvArtSortByBounds::SortTable(void* context, int32_t drill) {
-  return Collect(context, true, true, [&](auto collect) {
-    RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, collect);
-  });
 }
 
 uint32_t CRvArtSortByBounds::SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) {

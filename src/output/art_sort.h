@@ -26,17 +26,21 @@ constexpr int32_t kExcludedKeyBoundsSort = 52500;
 
 class CRvArtSort {
  public:
-  CRvArtSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param);
+  /// `ownStage`: the sort opens a stage of its own before each walk (the
+  /// bounds sort), and its walks of keys and tables keep the arts collected
+  /// before a failure. Else the stage opens with the key order and any
+  /// failed walk fails the sort (the block sort).
+  CRvArtSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param, bool ownStage);
   virtual ~CRvArtSort();
   CRvArtSort(const CRvArtSort&) = delete;
   CRvArtSort& operator=(const CRvArtSort&) = delete;
 
   /// Sorts the arts of `key` in the main table.
-  virtual uint32_t SortByKey(void* context, const std::string& key, int32_t drill) = 0;
+  uint32_t SortByKey(void* context, const std::string& key, int32_t drill);
   /// Sorts the arts of the next cut-order step of the main table.
-  virtual uint32_t SortByOrder(void* context, int16_t& order, int32_t drill) = 0;
+  uint32_t SortByOrder(void* context, int16_t& order, int32_t drill);
   /// Sorts all arts of the main table.
-  virtual uint32_t SortTable(void* context, int32_t drill) = 0;
+  uint32_t SortTable(void* context, int32_t drill);
   /// Sorts the arts of the tables first to last.
   virtual uint32_t SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) = 0;
 
@@ -83,14 +87,12 @@ class CRvArtSort {
   template <class Walk>
   uint32_t Collect(void* context, bool openFirst, bool keepPartial, Walk&& walk);
   BlockGrid m_grid;
+  const bool m_ownStage;
 };
 
 class CRvBlockBubbleSort : public CRvArtSort {
  public:
   CRvBlockBubbleSort(const RVRIFMATRIX& placement, const RVPLOTPARAM& param);
-  uint32_t SortByKey(void* context, const std::string& key, int32_t drill) override;
-  uint32_t SortByOrder(void* context, int16_t& order, int32_t drill) override;
-  uint32_t SortTable(void* context, int32_t drill) override;
   uint32_t SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) override;
 
   /// The entry builder of a walk: key 10500 for excluded arts, else the
@@ -104,9 +106,6 @@ class CRvBlockBubbleSort : public CRvArtSort {
 class CRvArtSortByBounds : public CRvArtSort {
  public:
   CRvArtSortByBounds(const RVRIFMATRIX& placement, const RVPLOTPARAM& param);
-  uint32_t SortByKey(void* context, const std::string& key, int32_t drill) override;
-  uint32_t SortByOrder(void* context, int16_t& order, int32_t drill) override;
-  uint32_t SortTable(void* context, int32_t drill) override;
   uint32_t SortTableRange(void* context, int16_t first, int16_t last, int32_t drill) override;
 
   /// The entry builder of a walk: key 52500 for excluded arts, else the

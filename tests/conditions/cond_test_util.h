@@ -115,10 +115,10 @@ void ExpectExtension(const void* stored, const Extension& e) {
   EXPECT_EQ(Fields(*static_cast<const Extension*>(stored)), Fields(e));
 }
 
-/// Fixture: an empty table before and after each test, and file helpers.
+/// Fixture: an empty table of machine type 0 before each test, an empty table after it, and file helpers.
 class ConditionTest : public ::testing::Test {
  protected:
-  void SetUp() override { ASSERT_EQ(RvDeleteAllCutCondition(), 0u); }
+  void SetUp() override { UseMachineType(0, "TQCutConditionList", "1.00"); }
   void TearDown() override {
     EXPECT_EQ(RvDeleteAllCutCondition(), 0u);
     EXPECT_EQ(g_ExceptionContext, nullptr);

