@@ -60,6 +60,14 @@ TEST_F(Drawing, PathBoundsFollowArcsCurvesAndJoinsAndNeedAComponent) {
   ASSERT_EQ(Bounds(PathOf({Pt(0, 0, 0, 0, 0, 10), Pt(10, 0, 10, 10, 10, 0)}), box), 0u);
   EXPECT_DOUBLE_EQ(box.top, 7.5);
   EXPECT_EQ((V{box.left, box.right, box.bottom}), (V{0, 10, 0}));
+  // Pieces that no flattening within the point limit can measure are held by
+  // their control points: ends 5000 m apart, and a piece beyond the grid
+  // (whose flattened middle would reach only 3; left stays at the empty
+  // box's 32767).
+  ASSERT_EQ(Bounds(PathOf({Pt(0, 0, 0, 0, 1e6, 3), Pt(5e6, 0, 4e6, -1, 5e6, 0)}), box), 0u);
+  EXPECT_EQ(Rect(box), (V{3, 0, 5e6, -1}));
+  ASSERT_EQ(Bounds(PathOf({Pt(3e7, 0, 3e7, 0, 3e7 + 2, 4), Pt(3e7 + 10, 0, 3e7 + 8, 4, 3e7 + 10, 0)}), box), 0u);
+  EXPECT_EQ(Rect(box), (V{4, 32767, 3e7 + 10, 0}));
 
   // Without a component: a failure, and the box as it was.
   path = Art(4, 3, nullptr);
