@@ -56,21 +56,19 @@ void MergeCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b) {
   // ends lie farther apart than the limit's chords span (every chord of a
   // piece inside the grid is shorter than kCoarseLength).
   const RVPOINT hull[4] = {a.anchor, a.out, b.in, b.anchor};
-  bool outside = false;
+  bool flattenable = Distance(a.anchor, b.anchor) < kCoarseLength * double(kMaxFlattenPoints);
   for (const RVPOINT& p : hull) {
-    outside = outside || GridCell(p.x) == kGridOverflow || GridCell(p.y) == kGridOverflow;
+    flattenable = flattenable && GridCell(p.x) != kGridOverflow && GridCell(p.y) != kGridOverflow;
   }
-  if (outside || Distance(a.anchor, b.anchor) >= kCoarseLength * double(kMaxFlattenPoints)) {
-    for (const RVPOINT& p : {a.out, b.in, b.anchor}) MergePoint(box, p);
-    return;
+  if (flattenable) {
+    try {
+      MergeFlattenedCurve(box, a, b, kCoarseLength, kCoarseTolerance, kFlattenMode);
+      return;
+    } catch (const RvError& e) {
+      if (e.code() != kErrCurveTooLarge) throw;
+    }
   }
-  try {
-    MergeFlattenedCurve(box, a, b, kCoarseLength, kCoarseTolerance, kFlattenMode);
-  } catch (const RvError& e) {
-    if (e.code() != kErrCurveTooLarge) throw;
-    // A curve too long to flatten: its control points hold it.
-    for (const RVPOINT& p : {a.out, b.in, b.anchor}) MergePoint(box, p);
-  }
+  for (const RVPOINT& p : {a.out, b.in, b.anchor}) MergePoint(box, p);
 }
 
 void MergeArcPiece(RVRECT& box, const RVPOINT& start, const RVPOINT& end, const RVPOINT& centre,
