@@ -9,18 +9,18 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/curve_list.h"
 #include "rvdataaccess.h"
 
 namespace rv {
 
-/// A null pointer, a negative count or another argument out of range given to
-/// a curve operation.
-constexpr uint32_t kErrCurveArgument = ErrCode(8, 13);
-/// A curve that can't be worked within the library's limits: its flattening
-/// would pass kMaxFlattenPoints, or an arc fit makes no progress.
-constexpr uint32_t kErrCurveTooLarge = ErrCode(8, 14);
+// kErrCurveArgument: a null pointer, a negative count or another argument
+// out of range given to a curve operation. kErrCurveTooLarge: a curve that
+// can't be worked within the library's limits (its flattening would pass
+// kMaxFlattenPoints, or an arc fit makes no progress). Both are in
+// frame/error_codes.h.
 
 /// Most points that the flattening of one curve may produce. At the 0.01 grid
 /// this is a curve of about 10 km; only coordinates far outside any drawing
