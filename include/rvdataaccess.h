@@ -970,6 +970,73 @@ RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPL
  * Path generation
  * ====================================================================== */
 
+/** One straight line of the generators, in drawing units. The marks are 65535
+ *  while unset; the hatching order keeps the index of a line's mesh cell in
+ *  firstMark and of its region in secondMark. */
+typedef struct RVHATCHLINE {
+  double x1, y1; /**< first end */
+  double x2, y2; /**< second end */
+  uint16_t firstMark;
+  uint16_t secondMark;
+} RVHATCHLINE;
+
+/** Parameters of RvCreateHatching. RvInitializeHatchingInfo writes the
+ *  defaults given with each field. */
+typedef struct RVHATCHINGINFO {
+  double pitch;                /**< distance of the lines, mm (5.0) */
+  double startShift;           /**< moves each line's start back against its travel, mm, kept as absolute value (0) */
+  double endShift;             /**< moves each line's end back, mm, kept as absolute value (0) */
+  double angle;                /**< direction of the lines, radians (0) */
+  double offset;               /**< offset of the shapes before hatching, mm, negative inward (0) */
+  RVRIFMATRIX matrix;          /**< applied to the shapes before the rotation (identity) */
+  int32_t headFromRight;       /**< choice of the head's start corner (0) */
+  int32_t evenOddFill;         /**< not 0: even-odd clipping; 0: non-zero (0) */
+  int32_t spreadLines;         /**< not 0: a remainder of the height gets one more line (1) */
+  int32_t generate;            /**< 1 lines only, 2 frame only, other: lines and frame (1) */
+  double frameOffset;          /**< offset of the frame, mm (0) */
+  int32_t includeOpenPaths;    /**< not 0: open paths go into the offset (0) */
+  int32_t frameOpenPaths;      /**< not 0: open paths are offset for the frame too; 0: copied (0) */
+  int32_t keepShift;           /**< not 0: the shifts stay on the final lines (1) */
+  double joinLimit;            /**< lines on one y closer than this are joined, mm (0) */
+  double lineStartExtension;   /**< length added before each line's start when head moves are measured (0) */
+  double lineEndExtension;     /**< length added behind each line's end in the same way (0) */
+  int32_t reserved;            /**< carried, not read (5) */
+  double meshWidth;            /**< column width of the mesh (0) */
+  double meshHeight;           /**< row height of the mesh (0) */
+  double boxMarginX;           /**< margin in x when region boxes are merged (0) */
+  double boxMarginY;           /**< margin in y when region boxes are merged (0) */
+  char logFolder[1024];        /**< folder of the order log; empty: no log */
+} RVHATCHINGINFO;
+
+/** Parameters of RvCreateContour: the fields of RVHATCHINGINFO and one more.
+ *  Contour reads angle, offset, matrix and includeOpenPaths. */
+typedef struct RVCONTOURINFO {
+  double pitch;
+  double startShift;
+  double endShift;
+  double angle;                /**< radians; the work space turns by -angle */
+  double offset;               /**< step between echoes, negative towards the inside */
+  RVRIFMATRIX matrix;          /**< start of the work matrix */
+  int32_t headFromRight;
+  int32_t evenOddFill;
+  int32_t spreadLines;
+  int32_t generate;
+  double frameOffset;
+  int32_t includeOpenPaths;    /**< not 0: open paths take part */
+  int32_t frameOpenPaths;
+  int32_t keepShift;
+  double joinLimit;
+  double lineStartExtension;
+  double lineEndExtension;
+  int32_t reserved;
+  double meshWidth;
+  double meshHeight;
+  double boxMarginX;
+  double boxMarginY;
+  char logFolder[1024];
+  int32_t cornerLines;         /**< 1: make corner lines; RvInitializeContourInfo leaves it alone */
+} RVCONTOURINFO;
+
 /* ======================================================================
  * Cut conditions
  * ====================================================================== */
