@@ -13,7 +13,6 @@ namespace rv {
 namespace {
 
 constexpr double kCloseTolerance = 0.1;  // document units, whatever the scale
-constexpr int16_t kLastChild = 5;
 
 }  // namespace
 
@@ -86,7 +85,7 @@ void CRvPLTImportData::FinishPath(int16_t lastKind, const PlotPathValues& values
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = m_currentPath;
   const RVCOLOR black{nullptr, 1, {0, 0, 0, 0}};
-  store.SetPathColor(2, path, black, "Black");
+  store.SetPathColor(kStrokeColor, path, black, "Black");
   store.SetPathAttrFlag(path, 7);
   if (SetsValuesAt(endOfFile)) {
     if (values.valid) {
