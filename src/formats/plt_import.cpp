@@ -130,14 +130,29 @@ CRvPLTAccessFirmSource::CRvPLTAccessFirmSource() : CRvPlotImportDriver(std::make
 CRvPLTFormat::CRvPLTFormat(const double* unitScale)
     : m_unitScale(unitScale == nullptr || *unitScale == 0.0 ? 0.025 : *unitScale) {}
 
+namespace {
+
+void MakePlotLayer() {
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  CRvLayer* layer = store.CreateLayer(0, nullptr);
+  store.SetLayerName(layer, "KFPlotFileLayer");
+}
+
+}  // namespace
+
 uint32_t CRvPLTFormat::ImportToRIF() {
   return Guard([&] {
-    CRvDataAccess& store = CRvDataAccess::Instance();
-    CRvLayer* layer = store.CreateLayer(0, nullptr);
-    store.SetLayerName(layer, "KFPlotFileLayer");
+    MakePlotLayer();
     CRvPLTAccessFirmSource source;
     source.Import(*this, m_unitScale);
   });
+}
+
+void ImportPlotBytes(const uint8_t* bytes, std::size_t count, const double* unitScale) {
+  const CRvPLTFormat format(unitScale);
+  MakePlotLayer();
+  CRvPLTAccessFirmSource source;
+  source.ImportBytes(bytes, count, format.UnitScale());
 }
 
 uint32_t CRvPLTFormat::ExportFromRIF(void*) { return kErrNoDirection; }
