@@ -441,6 +441,7 @@ void CRvItwFormat::ReadHead(ByteCursor& in) {
 
 void CRvItwFormat::ReadFontTable(ByteCursor& in, uint16_t count) {
   m_fonts.clear();
+  m_firstFontOf.clear();
   for (uint16_t i = 0; i < count; ++i) {
     if (in.ReadU16LE() != kItwFontMark) Raise(kErrItwMark);
     in.Skip(2);
@@ -453,6 +454,7 @@ void CRvItwFormat::ReadFontTable(ByteCursor& in, uint16_t count) {
     const uint8_t fileLength = in.ReadU8();
     if (fileLength >= kItwNameLimit) Raise(kErrItwNameLength);
     font.file = in.ReadText(fileLength);
+    m_firstFontOf.emplace(font.id, m_fonts.size());  // the first record of an id counts
     m_fonts.push_back(std::move(font));
   }
 }
@@ -667,8 +669,9 @@ void CRvItwFormat::ReadCharacter(ByteCursor& in, CRvArt* group, uint16_t horizon
   in.Skip(5);
   m_corners = ch.cell;
   SetColour(ch.rgb);
-  const auto font = std::find_if(m_fonts.begin(), m_fonts.end(), [&](const ItwFont& f) { return f.id == ch.fontId; });
-  if (font == m_fonts.end()) return;
+  const auto found = m_firstFontOf.find(ch.fontId);
+  if (found == m_firstFontOf.end()) return;
+  const ItwFont* font = &m_fonts[found->second];
   if (font->kind == 0) {
     if (horizontal == 0) ch.code = VerticalForm(ch.code);
     DrawStrokeCharacter(group, ch, *font);

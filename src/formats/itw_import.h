@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "formats/byte_cursor.h"
@@ -134,6 +135,7 @@ class CRvItwFormat : public CRvFormatStrategy {
   uint32_t m_warning = 0;
   int16_t* m_fileByte;
   std::vector<ItwFont> m_fonts;
+  std::unordered_map<uint16_t, std::size_t> m_firstFontOf;  // font id -> index in m_fonts
   CRvStrokeFontFiles m_strokeFiles;
   CRvGlyphOutlines* m_outlines;
   std::unique_ptr<CRvGlyphOutlines> m_installedOutlines;
