@@ -19,9 +19,6 @@ namespace rv {
 
 namespace {
 
-constexpr int16_t kLastChild = 5;
-constexpr int16_t kUseFill = 1;
-constexpr int16_t kUseStroke = 2;
 constexpr uint16_t kGraphicRecord = 0xFFFF;
 constexpr double kBulgeUnit = 10000.0;
 constexpr uint8_t kFrameFlags = 1;
@@ -300,8 +297,8 @@ class CRvStrokeWalk {
     }
     m_path = m_store.CreateArt(kArtPath, kLastChild, m_compound);
     m_store.SetPathAttrFlag(m_path, kDrawnPathFlags);
-    m_store.SetPathColor(kUseFill, m_path, m_colour, m_colourName);
-    m_store.SetPathColor(kUseStroke, m_path, m_colour, m_colourName);
+    m_store.SetPathColor(kFillColor, m_path, m_colour, m_colourName);
+    m_store.SetPathColor(kStrokeColor, m_path, m_colour, m_colourName);
     m_component = nullptr;
     m_componentType = kArtAbstract;
   }
@@ -503,7 +500,7 @@ void CRvItwFormat::ReadTextFrame(ByteCursor& in, uint16_t itemCount, const ItwCo
   CRvArt* group = store.CreateArt(kArtGroup, kLastChild, m_layer);
   CRvArt* path = store.CreateArt(kArtPath, kLastChild, group);
   store.SetPathAttrFlag(path, kFrameFlags);
-  store.SetPathColor(kUseStroke, path, kRed, "Frame");
+  store.SetPathColor(kStrokeColor, path, kRed, "Frame");
   double t = bulge / kBulgeUnit;
   if (std::fabs(t) > 1.0) t = 0.0;
   DrawFramePath(path, corners, horizontal, t);
@@ -579,7 +576,7 @@ void CRvItwFormat::AddBaseline(CRvArt* group, const char* name, const RVPOINT& f
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = store.CreateArt(kArtPath, kLastChild, group);
   store.SetPathAttrFlag(path, kBaselineFlags);
-  store.SetPathColor(kUseStroke, path, kBlue, name);
+  store.SetPathColor(kStrokeColor, path, kBlue, name);
   CRvArt* bezier = store.CreateArt(kArtBezier, kLastChild, path);
   store.AddBezierPoint(bezier, Anchor(from));
   store.AddBezierPoint(bezier, Anchor(to));
@@ -604,7 +601,7 @@ void CRvItwFormat::ReadGraphic(ByteCursor& in, uint16_t itemCount, const ItwCorn
   }
   CRvArt* path = store.CreateArt(kArtPath, kLastChild, group);
   store.SetPathAttrFlag(path, kDrawnPathFlags);
-  store.SetPathColor(kUseStroke, path, m_colour, m_colourName);
+  store.SetPathColor(kStrokeColor, path, m_colour, m_colourName);
   store.SetBoundingBox(path, rect);
   in.NeedItems(itemCount, kItwVertexSize);
   CRvArt* component = nullptr;
@@ -720,7 +717,7 @@ void CRvItwFormat::DrawWarningCross(CRvArt* group) {
   for (const auto& e : ends) {
     CRvArt* path = store.CreateArt(kArtPath, kLastChild, group);
     store.SetPathAttrFlag(path, kFrameFlags);
-    store.SetPathColor(kUseStroke, path, kRed, "Warning");
+    store.SetPathColor(kStrokeColor, path, kRed, "Warning");
     CRvArt* bezier = store.CreateArt(kArtBezier, kLastChild, path);
     store.AddBezierPoint(bezier, Anchor(MapToCell(m_corners, e[0], e[1])));
     store.AddBezierPoint(bezier, Anchor(MapToCell(m_corners, e[2], e[3])));
@@ -751,8 +748,8 @@ void CRvItwFormat::DrawInstalledCharacter(CRvArt* group, const ItwCharacter& ch,
     CRvArt* path = store.CreateArt(kArtPath, kLastChild, compound);
     store.SetPathAttrFlag(path, kDrawnPathFlags);
     store.SetPathAttrFlag(compound, 1);
-    store.SetPathColor(kUseFill, path, m_colour, m_colourName);
-    store.SetPathColor(kUseStroke, path, m_colour, m_colourName);
+    store.SetPathColor(kFillColor, path, m_colour, m_colourName);
+    store.SetPathColor(kStrokeColor, path, m_colour, m_colourName);
     CRvArt* bezier = store.CreateArt(kArtBezier, kLastChild, path);
     const OutlinePoint start = whole(contour.start);
     OutlinePoint last = start;
