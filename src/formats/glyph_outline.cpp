@@ -14,7 +14,7 @@ namespace rv {
 
 namespace {
 
-constexpr int64_t kFixedOne = 65536;
+constexpr int64_t kFixedOne = kGlyphFixedOne;
 constexpr uint8_t kJisFirst = 0x21;
 constexpr uint8_t kJisLast = 0x7E;
 constexpr uint8_t kEucHigh = 0x80;

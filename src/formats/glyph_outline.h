@@ -24,6 +24,9 @@ constexpr int32_t kGlyphCellHeight = 5000;
 constexpr int32_t kGlyphAscent = 4305;
 constexpr int32_t kGlyphDescent = 695;
 
+/// One unit in the 16.16 fixed point of outline points.
+constexpr int32_t kGlyphFixedOne = 65536;
+
 /// A point of an outline, 16.16 fixed point.
 struct GlyphPoint {
   int32_t x = 0;

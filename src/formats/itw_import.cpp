@@ -62,8 +62,11 @@ constexpr uint16_t kUserAreaFirst = 30242, kUserAreaLast = 30589;
 constexpr uint16_t kUserAreaStepA = 30303, kUserAreaStepB = 30334;
 constexpr uint16_t kUserAreaShiftA = 31263, kUserAreaShiftB = 31264, kUserAreaShiftC = 31102;
 constexpr uint16_t kSingleByteLimit = 128;
+// A font name that begins with this names the vertical face of a family.
+constexpr char kVerticalFaceMark = '@';
 
 // The eight anchors of a curved run, as weights of P0 to P3, in 32nds.
+constexpr double kCurveWeightUnit = 32.0;
 constexpr int kCurveWeights[8][4] = {{18, 13, 1, 0}, {8, 20, 4, 0},  {2, 21, 9, 0},  {0, 16, 16, 0},
                                      {0, 9, 21, 2},  {0, 4, 20, 8},  {0, 1, 13, 18}, {0, 0, 0, 32}};
 
@@ -736,11 +739,11 @@ struct OutlinePoint {
 void CRvItwFormat::DrawInstalledCharacter(CRvArt* group, const ItwCharacter& ch, const ItwFont& font) {
   GlyphOutline outline;
   if (!Outlines().Outline(font.name, InstalledFontCode(ch.code), outline)) return;
-  const bool vertical = !font.name.empty() && font.name[0] == '@';
+  const bool vertical = !font.name.empty() && font.name[0] == kVerticalFaceMark;
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* compound = store.CreateArt(kArtCompound, kLastChild, group);
   store.SetPathAttrFlag(compound, 0);
-  auto whole = [](const GlyphPoint& p) { return OutlinePoint{double(p.x / 65536), double(p.y / 65536)}; };
+  auto whole = [](const GlyphPoint& p) { return OutlinePoint{double(p.x / kGlyphFixedOne), double(p.y / kGlyphFixedOne)}; };
   auto toCell = [&](const OutlinePoint& p) {
     return vertical ? MapToCell(ch.cell, p.y + kGlyphDescent, p.x) : MapToCell(ch.cell, p.x, kGlyphAscent - p.y);
   };
@@ -783,8 +786,8 @@ void CRvItwFormat::DrawInstalledCharacter(CRvArt* group, const ItwCharacter& ch,
         for (const auto& w : kCurveWeights) {
           OutlinePoint anchor{0.0, 0.0};
           for (int j = 0; j < 4; ++j) {
-            anchor.x += p[j].x * w[j] / 32.0;
-            anchor.y += p[j].y * w[j] / 32.0;
+            anchor.x += p[j].x * w[j] / kCurveWeightUnit;
+            anchor.y += p[j].y * w[j] / kCurveWeightUnit;
           }
           append(anchor);
         }
