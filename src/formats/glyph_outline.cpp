@@ -18,7 +18,6 @@ constexpr int64_t kFixedOne = kGlyphFixedOne;
 constexpr uint8_t kJisFirst = 0x21;
 constexpr uint8_t kJisLast = 0x7E;
 constexpr uint8_t kEucHigh = 0x80;
-constexpr char kVerticalMark = '@';
 
 /// One iconv conversion, closed with its owner.
 class Converter {
@@ -142,7 +141,7 @@ class CRvInstalledOutlines : public CRvGlyphOutlines {
 
   bool Outline(const std::string& fontName, uint16_t shiftJisCode, GlyphOutline& out) override {
     out.clear();
-    const bool vertical = !fontName.empty() && fontName[0] == kVerticalMark;
+    const bool vertical = !fontName.empty() && fontName[0] == kVerticalFaceMark;
     FT_Face face = Face(vertical ? fontName.substr(1) : fontName);
     const uint32_t unicode = ToUnicode(shiftJisCode);
     if (face == nullptr || unicode == 0) return false;

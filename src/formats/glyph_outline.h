@@ -24,6 +24,9 @@ constexpr int32_t kGlyphCellHeight = 5000;
 constexpr int32_t kGlyphAscent = 4305;
 constexpr int32_t kGlyphDescent = 695;
 
+/// A font name that begins with this names the vertical face of a family.
+constexpr char kVerticalFaceMark = '@';
+
 /// One unit in the 16.16 fixed point of outline points.
 constexpr int32_t kGlyphFixedOne = 65536;
 

@@ -62,8 +62,6 @@ constexpr uint16_t kUserAreaFirst = 30242, kUserAreaLast = 30589;
 constexpr uint16_t kUserAreaStepA = 30303, kUserAreaStepB = 30334;
 constexpr uint16_t kUserAreaShiftA = 31263, kUserAreaShiftB = 31264, kUserAreaShiftC = 31102;
 constexpr uint16_t kSingleByteLimit = 128;
-// A font name that begins with this names the vertical face of a family.
-constexpr char kVerticalFaceMark = '@';
 
 // The eight anchors of a curved run, as weights of P0 to P3, in 32nds.
 constexpr double kCurveWeightUnit = 32.0;
