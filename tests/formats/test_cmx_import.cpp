@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -78,8 +79,13 @@ std::string Drawing() {
   return out;
 }
 
-// Imports `bytes` into a new document; the drawing is left active.
+// Imports `bytes` into a new document; the drawing is left active. With
+// RV_CMX_SEED_DIR set, each file also goes there (the fuzz target's seeds).
 uint32_t Import(const std::string& bytes, const char* text = nullptr) {
+  if (const char* seeds = std::getenv("RV_CMX_SEED_DIR")) {
+    static int serial = 0;
+    rvtest::WriteFile(std::string(seeds) + "/test" + std::to_string(++serial) + ".cmx", bytes);
+  }
   CRvDataAccess::Instance().CreateDocument(0);
   return rv::ImportCmxBytes(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), text);
 }
