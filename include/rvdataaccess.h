@@ -878,8 +878,7 @@ RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIn
  *  - an offset or length that leads outside the file: 0x01000501;
  *  - a negative count of points, pages, layers or index records reads as 0. */
 
-/** Library extension of the specified API only in its documented choices.
- *  Imports the CMX file path. mode 0: into a new document, whose index goes to
+/** Imports the CMX file path. mode 0: into a new document, whose index goes to
  *  *documentIndex (if not null); else into the document *documentIndex, which
  *  becomes active (bad index or null pointer: 0x09001D01); existing documents
  *  are never deleted. text may be null; it is kept with the import and has no

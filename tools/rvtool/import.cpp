@@ -1,6 +1,15 @@
 // The importers of the library that the tool reads drawings with.
+//
+// The format of a file is chosen by its first bytes, not by its name: each
+// row of kImporters says which heads it takes, the first row that takes a
+// head imports the file, and the plot import takes everything else.
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
 #include <cstring>
-#include <fstream>
+#include <filesystem>
+#include <string>
 
 #include "drawing.h"
 #include "failure.h"
@@ -10,56 +19,79 @@
 namespace rvtool {
 namespace {
 
-// The first bytes of a file, as many as the longest file mark needs.
-constexpr std::size_t kHeadSize = 12;
+/// The first bytes of a file, as many as it has up to kHeadSize.
+struct FileHead {
+  static constexpr std::size_t kHeadSize = 64;
+  unsigned char bytes[kHeadSize] = {};
+  std::size_t size = 0;
+};
 
-std::string FileHead(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::string head(kHeadSize, '\0');
-  in.read(head.data(), std::streamsize(head.size()));
-  head.resize(std::size_t(in.gcount()));
+FileHead ReadHead(const std::string& path) {
+  FileHead head;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    head.size = std::fread(head.bytes, 1, FileHead::kHeadSize, file);
+    std::fclose(file);
+  }
   return head;
 }
 
-// CMX drawings: a RIFF file of the form "CMX1".
-bool IsCmx(const std::string& head) {
-  return head.size() >= 12 && head.compare(0, 4, "RIFF") == 0 && head.compare(8, 4, "CMX1") == 0;
-}
-bool AnyFile(const std::string&) { return true; }
+/// One format that the tool can read: whether a head is of this format, and
+/// the library's import of it into a new document (its index to `*index`).
+struct Importer {
+  const char* format;
+  bool (*takes)(const FileHead& head);
+  uint32_t (*import)(const std::string& path, double unitScale, int16_t* index);
+};
 
+bool AnyHead(const FileHead&) { return true; }
+
+// CMX drawings: a RIFF file of the form "CMX1".
+bool CmxHead(const FileHead& head) {
+  return head.size >= 12 && std::memcmp(head.bytes, "RIFF", 4) == 0 && std::memcmp(head.bytes + 8, "CMX1", 4) == 0;
+}
 uint32_t ImportCmx(const std::string& path, double, int16_t* index) {
   return RvImCMXToRIF(path.c_str(), 0, index, nullptr);
 }
+
 // Plot command files (HP-GL and the single-letter dialect, written jobs
-// included) whatever their extension.
+// included).
 uint32_t ImportPlot(const std::string& path, double unitScale, int16_t* index) {
   return RvImPLTToRIF(path.c_str(), 0, index, &unitScale);
 }
 
-// One row per kind of file, chosen by the file's first bytes, not its name:
-// the first row whose mark matches imports the file; the last takes any.
-struct Importer {
-  bool (*matches)(const std::string& head);
-  uint32_t (*import)(const std::string& path, double unitScale, int16_t* index);
-};
 constexpr Importer kImporters[] = {
-    {IsCmx, ImportCmx},
-    {AnyFile, ImportPlot},
+    {"CMX drawing", CmxHead, ImportCmx},
+    {"plot file", AnyHead, ImportPlot},
 };
 
+// What the tool can tell about a file before the library reads it: a folder,
+// a file that can't be read and an empty file each get their own line (the
+// library would only say that the file can't be opened or draws nothing).
+void CheckInputFile(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  if (!std::filesystem::exists(status)) return;  // the library's "can't be opened" says it
+  if (std::filesystem::is_directory(status))
+    throw ToolFailure("import", path, "it is a folder, not a file", kFileStatus);
+  if (::access(path.c_str(), R_OK) != 0)
+    throw ToolFailure("import", path, std::string("the file can't be read: ") + std::strerror(errno), kFileStatus);
+  if (std::filesystem::is_regular_file(status) && std::filesystem::file_size(path, error) == 0 && !error)
+    throw ToolFailure("import", path, "the file is empty", kNoDrawingStatus);
+}
+
 Document ImportDrawing(const std::string& path, double unitScale) {
-  const std::string head = FileHead(path);
-  int16_t index = -1;
-  uint32_t code = 0;
+  CheckInputFile(path);
+  const FileHead head = ReadHead(path);
   for (const Importer& importer : kImporters) {
-    if (!importer.matches(head)) continue;
-    code = importer.import(path, unitScale, &index);
-    break;
+    if (!importer.takes(head)) continue;
+    int16_t index = -1;
+    const uint32_t code = importer.import(path, unitScale, &index);
+    // A failed import may leave its new document behind: it goes with `document`.
+    Document document(index);
+    Check(code, "import", path);
+    return document;
   }
-  // A failed import may leave its new document behind: it goes with `document`.
-  Document document(index);
-  Check(code, "import", path);
-  return document;
+  return Document(-1);
 }
 
 }  // namespace
