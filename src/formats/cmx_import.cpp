@@ -200,6 +200,22 @@ void CRvCMXCommandReader::PassBoundsToChildren(CRvArt* art) {
 // Layers and groups
 // ---------------------------------------------------------------------------
 
+// The document's layers by name are gathered once per import: a layer made
+// here has a name that no layer had, so the map stays true.
+CRvArt* CRvCMXCommandReader::LayerNamed(const std::string& name) {
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  if (!m_layersGathered) {
+    for (const auto& layer : store.ActiveDocument().Layers()) m_layersByName[layer->GetName()] = layer.get();
+    m_layersGathered = true;
+  }
+  CRvArt*& layer = m_layersByName[name];
+  if (layer == nullptr) {
+    layer = store.CreateLayer(0, nullptr);
+    store.SetLayerName(layer, name);
+  }
+  return layer;
+}
+
 // The layer of a name is the last of the document's layers with exactly that
 // name; a name that no layer has makes a new layer at the front.
 CRvArt* CRvCMXCommandReader::ReadBeginLayer() {
@@ -211,14 +227,7 @@ CRvArt* CRvCMXCommandReader::ReadBeginLayer() {
       const uint16_t length = m_cursor.ReadU16LE();
       if (length > kCmxMaxLayerName) Raise(kErrCmxLayerName);
       const std::string name = m_cursor.ReadText(length);
-      layer = nullptr;
-      for (const auto& candidate : store.ActiveDocument().Layers()) {
-        if (candidate->GetName() == name) layer = candidate.get();
-      }
-      if (layer == nullptr) {
-        layer = store.CreateLayer(0, nullptr);
-        store.SetLayerName(layer, name);
-      }
+      layer = LayerNamed(name);
     } else if (tag == kTagLayerMatrix) {
       RVRIFMATRIX m{1.0, 0.0, 0.0, 1.0, 0.0, 0.0};
       if (m_cursor.ReadU16LE() != kIdentityMatrix) {

@@ -11,6 +11,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
+#include <string>
 #include <vector>
 
 #include "formats/byte_cursor.h"
@@ -81,6 +83,9 @@ class CRvCMXCommandReader {
   long long ReadTagEnd();
 
   CRvArt* ReadBeginLayer();
+  /// The last layer of the document with exactly `name`, or a new one at the
+  /// front.
+  CRvArt* LayerNamed(const std::string& name);
   CRvArt* ReadBeginGroup(CRvArt* parent);
   void ReadPolyCurve(CRvArt* parent, bool longForm);
   void ReadRectangle(CRvArt* parent);
@@ -99,6 +104,8 @@ class CRvCMXCommandReader {
   ByteCursor& m_cursor;
   CmxCoordinates m_coordinates;
   std::vector<bool> m_visited;  ///< one mark per file offset where a command began
+  std::map<std::string, CRvArt*> m_layersByName;  ///< the last layer of each name
+  bool m_layersGathered = false;
 };
 
 /// Counts the subpaths of a poly-curve: a move counts unless the node before

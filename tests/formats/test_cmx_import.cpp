@@ -121,6 +121,7 @@ TEST(CmxContainer, HeaderChecksAndIndexFailures) {
       {"master index offset beyond the file", Patched(good, 104, std::string("\0\0\0\x7F", 4)), 0x01000501},
       {"a layer index with a wrong identifier", Patched(good, ixlr, "ixlx"), 0x07001401},
       {"no page index in the master", noMaster.Build(), 0x07001701},
+      {"a page index at offset 0", Patched(good, good.find("ixmr") + 22, std::string(4, '\0')), 0x07001701},
       {"only a page 2", page2.Build(), 0x07001701},
       {"more layers than the layer index holds", Patched(good, ixlr + 8, "\xFF\x7F"), 0x01000301},
   };
