@@ -924,6 +924,50 @@ RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIn
  *  a failure is undone. */
 RV_API uint32_t RvImItwToRIF(const char* path, const char* fontFolder, const char* userFontFolder, int16_t mode,
                              int16_t* documentIndex, int16_t* fileByte);
+/* CMX files (RIFF form "CMX1" with 32-bit coordinates). The import goes by the
+ * file's indexes: the master index names the page index, each page its layer
+ * index, and only the layers of page 1 are read, in index order. Each layer's
+ * command stream makes arts: a begin-layer command selects the last layer of
+ * the document with exactly its name (or makes one at the front), a group a
+ * group, a poly-curve a path of one Bezier component (or a compound of such
+ * paths when it has several subpaths), a rectangle a closed path of four
+ * corners (rounding and rotation are dropped). Every new art becomes the first
+ * child of its parent, so inside each parent the arts stand in the reverse of
+ * the file's order; before any begin-layer command arts go first into the
+ * current layer. Coordinates count from the lower left corner of the file's
+ * bounding box, in millimetres; the document's bounding box becomes that box
+ * (top and right its height and width, left and bottom 0). Only geometry is
+ * taken: fills, outlines and colours are not read, and every art keeps the
+ * colours of its creation. A layer's matrix from the file is stored as it
+ * stands, in the file's units.
+ *
+ * Choices of this library where a file asks for the impossible (each fails
+ * the import with its code, keeping what was made before):
+ *  - a layer name longer than 112 bytes: 0x07002801;
+ *  - a line or curve node before any move, or a curve node without two points
+ *    before it for its handles: 0x07002901;
+ *  - a command offset that the walk has read before, reached again through a
+ *    jump, a length that leads back, or two layers that start at one offset:
+ *    0x07002A01 (every command of a file is read at most once);
+ *  - groups nested more than 256 deep: 0x07002B01;
+ *  - an offset or length that leads outside the file: 0x01000501;
+ *  - a negative count of points, pages, layers or index records reads as 0. */
+
+/** Imports the CMX file path. mode 0: into a new document, whose index goes to
+ *  *documentIndex (if not null); else into the document *documentIndex, which
+ *  becomes active (bad index or null pointer: 0x09001D01); existing documents
+ *  are never deleted. text may be null; it is kept with the import and has no
+ *  effect on the drawing. Results: 0; 0x01000201 when the file can't be
+ *  opened (with mode 0 the new empty document stays, active); 0x01000301 when
+ *  a read runs past the end of the file (the file is closed then);
+ *  0x01000401 when it can't be closed; 0x07001201 when it isn't RIFF "CMX1"
+ *  or is of version 1 (16-bit coordinates); 0x07001401 when an index chunk
+ *  hasn't the identifier its offset promises ("ixmr", "ixpg", "ixlr");
+ *  0x07001701 when the master index names no page index or there is no page
+ *  1; 0x03000601 when a command makes an art before any layer exists; the
+ *  codes of the choices above. A failure keeps the document's bounding box
+ *  and the layers and arts made until then. */
+RV_API uint32_t RvImCMXToRIF(const char* path, int16_t mode, int16_t* documentIndex, const char* text);
 
 /* ======================================================================
  * Plot output

@@ -8,6 +8,7 @@ packages=(
   libpugixml-dev libpolyclipping-dev
   libcairo2-dev libcli11-dev
   libfreetype-dev libfontconfig-dev fonts-ipafont-gothic
+  libcdr-tools
 )
 
 missing=()

@@ -85,7 +85,11 @@ namespace rv {
 /// CL jobs: CL import, router, CL milling export, cut preview.
 #define RV_ERROR_CODES_CL(X)
 /// CMX import.
-#define RV_ERROR_CODES_CMX(X)
+#define RV_ERROR_CODES_CMX(X)                                                                                 \
+  X(kErrCmxLayerName, 0x07002801u, "a CMX layer name is longer than 112 bytes")                               \
+  X(kErrCmxNodeBeforeMove, 0x07002901u, "a CMX line or curve node comes before any move or its control points") \
+  X(kErrCmxLoop, 0x07002A01u, "the CMX command walk comes back to a command it has read")                      \
+  X(kErrCmxNesting, 0x07002B01u, "CMX groups are nested more than 256 deep")
 /// ITW import and fonts.
 #define RV_ERROR_CODES_ITW(X) \
   X(kErrItwNameLength, 0x07007001u, "a font or font file name in the ITW font table is 50 bytes or longer")

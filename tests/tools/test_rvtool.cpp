@@ -57,6 +57,18 @@ TEST(ToolCli, InfoOfTheSamples) {
   EXPECT_TRUE(Contains(run.out, "(400.000 x 150.000 mm)")) << run.out;
 }
 
+TEST(ToolCli, CmxDrawingsAreToldByTheirFirstBytes) {
+  // samples/shapes.cmx under the name of a plot file: a triangle and a
+  // compound of two open paths on "curves", three rectangles on "boxes".
+  rvtest::TempDir dir;
+  std::filesystem::copy_file(Sample("shapes.cmx"), dir.file("shapes.plt"));
+  const auto run = RunTool({"info", dir.file("shapes.plt")});
+  ASSERT_EQ(run.status, 0) << run.err;
+  for (const char* part : {"layers      2\n", "paths       6 (4 closed, 2 open)\n", "layer 0 \"boxes\"\n  paths       3 (3 closed)",
+                           "layer 1 \"curves\"\n  paths       3 (1 closed)"})
+    EXPECT_TRUE(Contains(run.out, part)) << part << run.out;
+}
+
 TEST(ToolCli, RenderWritesWellFormedPicturesOfEveryPath) {
   rvtest::TempDir dir;
   const auto svg = RunTool({"render", Sample("sign.plt"), "-o", dir.file("sign.svg")});

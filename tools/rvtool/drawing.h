@@ -45,9 +45,9 @@ class Document {
   int16_t m_index;
 };
 
-/// Imports the plot file `path` into a new document, which comes back
-/// active. `unitScale` is millimetres per plotter unit (0.0: the plotter's
-/// 0.025). The import stage shows on a progress bar of its own; a Ctrl-C
+/// Imports the drawing `path` (a CMX file, or else a plot file, told by its
+/// first bytes) into a new document, which comes back active. `unitScale` is
+/// millimetres per plotter unit of a plot file (0.0: the plotter's 0.025). The import stage shows on a progress bar of its own; a Ctrl-C
 /// during the import ends `command` with the interrupted status. Throws
 /// Failure.
 Document ImportAndActivate(const std::string& command, const std::string& path, double unitScale);

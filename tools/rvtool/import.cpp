@@ -45,6 +45,14 @@ struct Importer {
 
 bool AnyHead(const FileHead&) { return true; }
 
+// CMX drawings: a RIFF file of the form "CMX1".
+bool CmxHead(const FileHead& head) {
+  return head.size >= 12 && std::memcmp(head.bytes, "RIFF", 4) == 0 && std::memcmp(head.bytes + 8, "CMX1", 4) == 0;
+}
+uint32_t ImportCmx(const std::string& path, double, int16_t* index) {
+  return RvImCMXToRIF(path.c_str(), 0, index, nullptr);
+}
+
 // Plot command files (HP-GL and the single-letter dialect, written jobs
 // included).
 uint32_t ImportPlot(const std::string& path, double unitScale, int16_t* index) {
@@ -69,6 +77,7 @@ uint32_t ImportItw(const std::string& path, double, int16_t* index) {
 
 constexpr Importer kImporters[] = {
     {"ITW layout", ItwHead, ImportItw},
+    {"CMX drawing", CmxHead, ImportCmx},
     {"plot file", AnyHead, ImportPlot},
 };
 
