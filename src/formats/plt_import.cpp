@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/data_access.h"
 
@@ -12,7 +13,6 @@ namespace rv {
 namespace {
 
 constexpr double kCloseTolerance = 0.1;  // document units, whatever the scale
-constexpr int16_t kLastChild = 5;
 
 }  // namespace
 
@@ -85,7 +85,7 @@ void CRvPLTImportData::FinishPath(int16_t lastKind, const PlotPathValues& values
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = m_currentPath;
   const RVCOLOR black{nullptr, 1, {0, 0, 0, 0}};
-  store.SetPathColor(2, path, black, "Black");
+  store.SetPathColor(kStrokeColor, path, black, "Black");
   store.SetPathAttrFlag(path, 7);
   if (SetsValuesAt(endOfFile)) {
     if (values.valid) {
@@ -130,17 +130,32 @@ CRvPLTAccessFirmSource::CRvPLTAccessFirmSource() : CRvPlotImportDriver(std::make
 CRvPLTFormat::CRvPLTFormat(const double* unitScale)
     : m_unitScale(unitScale == nullptr || *unitScale == 0.0 ? 0.025 : *unitScale) {}
 
+namespace {
+
+void MakePlotLayer() {
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  CRvLayer* layer = store.CreateLayer(0, nullptr);
+  store.SetLayerName(layer, "KFPlotFileLayer");
+}
+
+}  // namespace
+
 uint32_t CRvPLTFormat::ImportToRIF() {
   return Guard([&] {
-    CRvDataAccess& store = CRvDataAccess::Instance();
-    CRvLayer* layer = store.CreateLayer(0, nullptr);
-    store.SetLayerName(layer, "KFPlotFileLayer");
+    MakePlotLayer();
     CRvPLTAccessFirmSource source;
     source.Import(*this, m_unitScale);
   });
 }
 
-uint32_t CRvPLTFormat::ExportFromRIF(void*) { return ErrCode(1, 17); }
+void ImportPlotBytes(const uint8_t* bytes, std::size_t count, const double* unitScale) {
+  const CRvPLTFormat format(unitScale);
+  MakePlotLayer();
+  CRvPLTAccessFirmSource source;
+  source.ImportBytes(bytes, count, format.UnitScale());
+}
+
+uint32_t CRvPLTFormat::ExportFromRIF(void*) { return kErrNoDirection; }
 
 }  // namespace rv
 

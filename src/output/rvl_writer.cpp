@@ -1,6 +1,7 @@
 // The writing side of CRvRVLFormat: bytes, paths, the frame and progress.
 #include <utility>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "geometry/convert_pt.h"
@@ -19,11 +20,11 @@ CRvRVLFormat::~CRvRVLFormat() = default;
 
 void CRvRVLFormat::WriteBytes(const char* text, std::size_t length) {
   if (length == 0) return;
-  if (m_file == nullptr) Raise(ErrCode(1, 3));
+  if (m_file == nullptr) Raise(kErrFileShort);
   if (std::fwrite(text, 1, length, m_file) != length) {
     std::fclose(m_file);
     m_file = nullptr;
-    Raise(ErrCode(1, 3));
+    Raise(kErrFileShort);
   }
 }
 
@@ -47,12 +48,12 @@ void CRvRVLFormat::WriteCurveRecord(const RVCURVEPOINT& r, bool exchange) {
     second = exchange ? y : x;
   };
   m_record.clear();
-  if (r.kind == 0) {
+  if (r.kind == kRecordPoint) {
     double f, g;
     yx(r.point.x, r.point.y, f, g);
     const double unit = m_param.deviceUnit;
     AppendRow(m_record, m_vCut != 0 ? kRowVCutDraw : kRowDraw, {f / unit, g / unit});
-  } else if (r.kind == 1) {
+  } else if (r.kind == kRecordArc) {
     const RVCURVEARC& a = r.arc;
     double sf, sg, mf, mg, ef, eg, cf, cg;
     yx(a.startX, a.startY, sf, sg);
@@ -133,10 +134,10 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
       const RVCURVEPOINT& first = records[0];
       if (needMove != 0) {
         double x, y;
-        if (first.kind == 1) {
+        if (first.kind == kRecordArc) {
           x = first.arc.startX;
           y = first.arc.startY;
-        } else if (first.kind == 0) {
+        } else if (first.kind == kRecordPoint) {
           x = first.point.x;
           y = first.point.y;
         } else {
@@ -145,22 +146,22 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
         }
         if (exchange) std::swap(x, y);
         m_record.clear();
-        if (first.kind == 0) {
+        if (first.kind == kRecordPoint) {
           AppendRow(m_record, kRowMove, {y / unit, x / unit});
         } else {
           AppendRow(m_record, kRowMove, {y, x});
-          if (first.kind == 1) AppendRow(m_record, kRowPenDown, {});
+          if (first.kind == kRecordArc) AppendRow(m_record, kRowPenDown, {});
         }
         WriteBytes(m_record);
         needMove = 0;
       }
-      if (first.kind == 3) {
+      if (first.kind == kRecordSpline) {
         m_record.clear();
         AppendRow(m_record, kRowPenDown, {});
         WriteBytes(m_record);
       }
       for (std::size_t j = 0; j < records.size(); ++j) {
-        if (i != 0 && j == 0 && records[j].kind == 0) continue;  // the previous curve's end
+        if (i != 0 && j == 0 && records[j].kind == kRecordPoint) continue;  // the previous curve's end
         WriteCurveRecord(records[j], exchange);
       }
     }
@@ -215,7 +216,7 @@ void CRvRVLFormat::AdvanceProgress() {
   if (progress.onStep == nullptr) return;
   const double percent = double(m_artDone) / double(m_artTotal) * 100.0;
   if (progress.Step(m_progressContext, int16_t(TruncToInt32(percent)), kCreatingPlotDataText)) {
-    Raise(ErrCode(6, 31));
+    Raise(kErrExportCancelled);
   }
 }
 
