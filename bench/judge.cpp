@@ -97,7 +97,65 @@ void BM_InsideOutsidePlain(benchmark::State& state) {
   state.counters["holes"] = holes;
 }
 
+// Drawings of many closed paths, as a nesting job gives them: `arts` small
+// rings of 8 corners. Random: scattered over a sheet, every tenth holding a
+// smaller ring. Nested: one large piece holding all the others.
+std::vector<void*> ManyRings(int arts, bool nested) {
+  int16_t document = -1;
+  void* layer = nullptr;
+  if (RvGiCreateDocument(0, &document) != 0 || RvGiCreateLayer(1, nullptr, &layer) != 0) std::abort();
+  std::vector<void*> paths;
+  auto ring = [&](double cx, double cy, double r, int corners) {
+    void* path = nullptr;
+    void* bezier = nullptr;
+    if (RvGiCreateArt(4, 3, nullptr, &path) != 0 || RvGiCreateArt(2, 5, path, &bezier) != 0) std::abort();
+    RVBEZIERPOINT first{};
+    for (int i = 0; i < corners; ++i) {
+      const double t = 2.0 * M_PI * i / corners;
+      RVBEZIERPOINT p{};
+      p.anchor = p.in = p.out = RVPOINT{cx + r * std::cos(t), cy + r * std::sin(t)};
+      if (i == 0) first = p;
+      RvGiAddBezierPoint(bezier, &p);
+    }
+    RvGiAddBezierPoint(bezier, &first);
+    RvGiSetPathClosed(path, 1);
+    paths.push_back(path);
+  };
+  const double side = std::sqrt(double(arts)) * 12.0;  // about 12 mm of sheet per ring
+  if (nested) ring(side / 2, side / 2, side, 400);
+  uint32_t seed = 99;
+  auto unit = [&seed] {
+    seed = seed * 1103515245u + 12345u;
+    return double(seed >> 8) / double(1u << 24);
+  };
+  while (int(paths.size()) < arts) {
+    const double cx = unit() * side, cy = unit() * side;
+    ring(cx, cy, 4.0, 8);
+    if (paths.size() % 10 == 0) ring(cx, cy, 2.0, 8);
+  }
+  return paths;
+}
+
+void BM_NestingOfManyArts(benchmark::State& state) {
+  const std::vector<void*> paths = ManyRings(int(state.range(0)), state.range(1) != 0);
+  int holes = 0;
+  for (auto _ : state) {
+    std::vector<RVINSIDEPATH> list = Fresh(paths);
+    rv::JudgeInsideOutside(list, false);
+    holes = Holes(list);
+    benchmark::DoNotOptimize(list.data());
+  }
+  state.counters["paths"] = double(paths.size());
+  state.counters["holes"] = holes;
+  RvGiDeleteActiveDocument();
+}
+
 }  // namespace
 
+// Args: arts, nested (0 random, 1 in one large piece).
+BENCHMARK(BM_NestingOfManyArts)
+    ->ArgsProduct({{20000, 100000}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 BENCHMARK(BM_InsideOutsideFast)->Arg(20)->Arg(200)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_InsideOutsidePlain)->Arg(20)->Arg(200)->Iterations(1)->Unit(benchmark::kMillisecond);

@@ -11,6 +11,8 @@
 #include <string>
 
 #include "formats/plot_interpreter.h"
+#include "model/art.h"
+#include "model/drawing_memory.h"
 #include "rvdataaccess.h"
 
 namespace {
@@ -102,7 +104,21 @@ void BM_Interpret(benchmark::State& state, const std::string& (*input)()) {
   state.counters["moves/s"] = benchmark::Counter(double(moves), benchmark::Counter::kIsRate);
 }
 
-/// The whole import: file, interpreter, paths in a new document.
+/// Points of all components of the paths of layer 0 of the active document.
+int64_t PointsOfLayer0() {
+  void* layer = nullptr;
+  void* art = nullptr;
+  int64_t points = 0;
+  if (RvGiGetLayer(&layer, 0) != 0 || RvGiGetArtFirstChild(layer, &art) != 0) return 1;
+  while (art != nullptr) {
+    if (rv::ArtOf(art)->GetType() == rv::kArtPath) points += static_cast<rv::CRvPath*>(rv::ArtOf(art))->GetPointTotal();
+    if (RvGiGetArtSibling(art, &art) != 0) break;
+  }
+  return points > 0 ? points : 1;
+}
+
+/// The whole import: file, interpreter, paths in a new document. Also the
+/// drawing's bytes (drawing_memory.h) per point of the imported paths.
 void BM_Import(benchmark::State& state, const std::string& (*input)()) {
   const std::string& data = input();
   char name[] = "/tmp/bench_plt_import_XXXXXX";
@@ -113,15 +129,19 @@ void BM_Import(benchmark::State& state, const std::string& (*input)()) {
   }
   close(fd);
   const int64_t moves = CountMoves(data);
+  double bytesPerPoint = 0.0;
   for (auto _ : state) {
     int16_t index = -1;
     const double scale = 0.0;
+    const std::size_t before = rv::DrawingBytes();
     const uint32_t code = RvImPLTToRIF(name, 0, &index, &scale);
     if (code != 0) state.SkipWithError("import failed");
     state.PauseTiming();
+    bytesPerPoint = double(rv::DrawingBytes() - before) / double(PointsOfLayer0());
     RvGiDeleteActiveDocument();
     state.ResumeTiming();
   }
+  state.counters["bytes/point"] = bytesPerPoint;
   std::remove(name);
   state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(data.size()));
   state.counters["moves/s"] = benchmark::Counter(double(moves) * double(state.iterations()), benchmark::Counter::kIsRate);

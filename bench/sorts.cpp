@@ -1,4 +1,6 @@
-// Cut-order sorts over 20,000 arts: the key order and the two refinements.
+// Cut-order sorts over 20,000 and 100,000 arts: the key order and the two
+// refinements, over a sheet, in one block, and with one large piece
+// holding all the others.
 #include <benchmark/benchmark.h>
 
 #include <random>
@@ -21,28 +23,36 @@ struct Scene {
   std::vector<RVPOINT> starts;
 };
 
-// Small shapes spread over a 2000 x 1000 area, a few large ones among them.
-Scene MakeScene() {
+// Small shapes spread over a 2000 x 1000 area, a few large ones among them;
+// `nested`: one more piece first, holding all of them; `oneBlock`: the
+// whole scene shrunk into one block of 50 mm.
+Scene MakeScene(int arts, bool nested, bool oneBlock) {
   Scene s;
   std::mt19937 gen(42);
-  std::uniform_real_distribution<double> x(0, 2000), y(0, 1000), size(1, 20);
+  const double scale = oneBlock ? 0.02 : 1.0;
+  std::uniform_real_distribution<double> x(0, 2000 * scale), y(0, 1000 * scale), size(1 * scale, 20 * scale);
   rv::BlockGrid grid;
   grid.areaWidth = 2000;
   grid.areaHeight = 1000;
-  for (int i = 0; i < kArts; ++i) {
-    const double px = x(gen), py = y(gen);
-    const double w = i % 500 == 0 ? 300 : size(gen), h = i % 500 == 0 ? 200 : size(gen);
+  auto add = [&](double px, double py, double w, double h) {
     const rv::IntRect b{int(px), int(py), int(px + w), int(py + h)};
     s.boxes.push_back(b);
     s.starts.push_back(RVPOINT{px, py});
     s.entries.push_back(rv::RVSORTENTRY{rv::BlockKey(grid, py, px), 2 * w + 2 * h,
-                                        reinterpret_cast<void*>(std::intptr_t(i))});
+                                        reinterpret_cast<void*>(std::intptr_t(s.entries.size()))});
+  };
+  if (nested) add(-1, -1, 2002 * scale, 1002 * scale);
+  for (int i = 0; i < arts; ++i) {
+    const double px = x(gen), py = y(gen);
+    const bool large = i % 500 == 0;
+    add(px, py, large ? 300 * scale : size(gen), large ? 200 * scale : size(gen));
   }
   return s;
 }
 
+// Args: arts, nested, one block.
 void BM_KeyOrderAndNearestStart(benchmark::State& state) {
-  const Scene scene = MakeScene();
+  const Scene scene = MakeScene(int(state.range(0)), state.range(1) != 0, state.range(2) != 0);
   for (auto _ : state) {
     auto entries = scene.entries;
     rv::SortEntriesByKey(entries);
@@ -51,30 +61,27 @@ void BM_KeyOrderAndNearestStart(benchmark::State& state) {
     benchmark::DoNotOptimize(entries.data());
   }
 }
-BENCHMARK(BM_KeyOrderAndNearestStart)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_KeyOrderAndNearestStart)
+    ->ArgsProduct({{20000, 100000}, {0, 1}, {0, 1}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
-// The worst case of the block sort: all 20,000 starts in one block, so the
-// nearest-start refinement settles them one by one.
-void BM_NearestStartInOneBlock(benchmark::State& state) {
-  std::mt19937 gen(5);
-  std::uniform_real_distribution<double> u(0, 50);
-  std::vector<RVPOINT> starts(kArts);
-  std::vector<rv::RVSORTENTRY> scene(kArts);
-  for (int i = 0; i < kArts; ++i) {
-    starts[std::size_t(i)] = RVPOINT{u(gen), u(gen)};
-    scene[std::size_t(i)] = rv::RVSORTENTRY{0, 0.0, reinterpret_cast<void*>(std::intptr_t(i))};
-  }
-  auto at = [&](void* art) { return starts[std::size_t(reinterpret_cast<std::intptr_t>(art))]; };
+// The plain nearest-start procedure, all starts in one block: a sort per
+// settled entry (only the smaller size; it grows with the square).
+void BM_NearestStartPlainInOneBlock(benchmark::State& state) {
+  const Scene scene = MakeScene(int(state.range(0)), false, true);
   for (auto _ : state) {
-    auto entries = scene;
-    rv::RefineByNearestStart(entries, RVPOINT{0, 0}, at, at, [](std::size_t) {});
+    auto entries = scene.entries;
+    for (auto& e : entries) e.key = 0;
+    auto at = [&](void* art) { return scene.starts[std::size_t(reinterpret_cast<std::intptr_t>(art))]; };
+    rv::RefineByNearestStartPlain(entries, RVPOINT{0, 0}, at, at, [](std::size_t) {});
     benchmark::DoNotOptimize(entries.data());
   }
 }
-BENCHMARK(BM_NearestStartInOneBlock)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(BM_NearestStartPlainInOneBlock)->Arg(2000)->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void BM_KeyOrderAndBounds(benchmark::State& state) {
-  const Scene scene = MakeScene();
+  const Scene scene = MakeScene(int(state.range(0)), state.range(1) != 0, state.range(2) != 0);
   for (auto _ : state) {
     auto entries = scene.entries;
     rv::SortEntriesByKey(entries);
@@ -85,7 +92,13 @@ void BM_KeyOrderAndBounds(benchmark::State& state) {
     benchmark::DoNotOptimize(entries.data());
   }
 }
-BENCHMARK(BM_KeyOrderAndBounds)->Unit(benchmark::kMillisecond);
+// In one block the refinement by bounds stays a double loop (every box
+// meets every other): only the smaller size there.
+BENCHMARK(BM_KeyOrderAndBounds)
+    ->ArgsProduct({{20000, 100000}, {0, 1}, {0}})
+    ->ArgsProduct({{20000}, {0, 1}, {1}})
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 // The sort classes over a drawing of 20,000 open paths filed in a RefMap
 // table: the walk, the block keys, the key order and the refinement.

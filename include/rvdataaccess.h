@@ -423,9 +423,17 @@ RV_API uint32_t RvGiCreateDocument(int16_t kind, int16_t* index);
 /** Destroys the active document with all its layers and arts. The next lower
  *  live document becomes active, or none. No active document: does nothing. */
 RV_API uint32_t RvGiDeleteActiveDocument(void);
-/** Forgets all documents without destroying them (their arts stay readable
- *  until the process ends, when the library frees them); nothing is active
- *  and new indexes start again at 0. */
+/** Forgets all documents; nothing is active and new indexes start again at
+ *  0. Who reclaims the forgotten documents (the library's choice): a
+ *  forgotten document can be reached only through the art pointers of a
+ *  RefMap table, so it is destroyed, with all its layers, arts and their
+ *  storage, as soon as no RefMap table exists - here at once when the host
+ *  has deleted its tables first (the usual job), else when the last table
+ *  goes (RvGiDeleteRefMapTable, RvGiDeleteSpecificRefMapTable; a table that
+ *  a running trace still walks goes when that trace ends). While any table
+ *  exists, the arts of forgotten documents stay readable. Arts unlinked by
+ *  RvGiDeleteArt before are not part of the document any more: they stay
+ *  readable until the process ends, whatever happens to the document. */
 RV_API uint32_t RvGiDeleteAllDocuments(void);
 /** Makes the document at index active; a negative index, one past the store
  *  or a deleted slot gives 0x09001D01 and changes nothing. */
@@ -687,10 +695,12 @@ typedef uint32_t (*RvRefMapTraceInfoFunc)(void* context, void* art, void* userIn
 /** Appends a new empty table; *map gets its index. Beyond 32767 tables the
  *  call throws std::length_error. */
 RV_API uint32_t RvGiCreateRefMapTable(int16_t* map);
-/** Destroys all tables (not their arts) and empties the list. */
+/** Destroys all tables (not their arts) and empties the list. With the last
+ *  table go the documents that RvGiDeleteAllDocuments forgot. */
 RV_API uint32_t RvGiDeleteRefMapTable(void);
 /** Destroys table map; later tables move down by one. The remembered indexes
- *  are not changed. */
+ *  are not changed. The last table takes the forgotten documents with it, as
+ *  RvGiDeleteRefMapTable does. */
 RV_API uint32_t RvGiDeleteSpecificRefMapTable(int16_t map);
 /** Files art under key. A new key takes info and goes to the end of the
  *  insertion and cut orders; a known key gets the art in front of its arts

@@ -37,8 +37,9 @@ bool JudgeInsidePath(CRvArt* path, CRvArt* outer);
 /// Sorts the paths by absolute area, largest first (equal areas keep their
 /// order), and flips `inside` of each path that lies inside an earlier one
 /// with the same flag; with `invert` all flags flip at the end. Each path's
-/// area and polyline are computed once, and pairs are rejected by their
-/// bounding boxes first; the result is exactly that of the plain algorithm.
+/// area and polyline are computed once, and each path is tested only against
+/// the earlier paths whose boxes can hold it, found through a box tree
+/// (FlipNestedByIndex); the result is exactly that of the plain algorithm.
 void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert);
 inline void JudgeInsideOutside(std::vector<RVINSIDEPATH>& paths, bool invert) {
   JudgeInsideOutside(paths.data(), paths.size(), invert);

@@ -81,13 +81,57 @@ void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert) {
   const std::vector<RVINSIDEPATH> before(paths, paths + count);
   for (std::size_t k = 0; k < count; ++k) paths[k] = before[order[k]];
 
-  for (std::size_t i = 0; i + 1 < count; ++i) {
-    const NestingShape& outer = shapes[order[i]];
-    for (std::size_t j = i + 1; j < count; ++j) {
-      if (paths[i].inside == paths[j].inside && shapes[order[j]].InsideOf(outer)) Flip(paths[j].inside);
+  std::vector<const NestingShape*> sorted(count);
+  for (std::size_t k = 0; k < count; ++k) sorted[k] = &shapes[order[k]];
+  FlipNestedByIndex(sorted, paths);
+  if (invert) InvertAll(paths, count);
+}
+
+void FlipNestedByPairs(const std::vector<const NestingShape*>& shapes, RVINSIDEPATH* paths) {
+  for (std::size_t i = 0; i + 1 < shapes.size(); ++i) {
+    for (std::size_t j = i + 1; j < shapes.size(); ++j) {
+      if (paths[i].inside == paths[j].inside && shapes[j]->InsideOf(*shapes[i])) Flip(paths[j].inside);
     }
   }
-  if (invert) InvertAll(paths, count);
+}
+
+void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEPATH* paths) {
+  // The reaches of the boxed shapes go into the tree; the others are asked
+  // by every later shape.
+  std::vector<PlainBox> reaches;
+  std::vector<uint32_t> boxedAt;  // position of each reach's shape
+  std::vector<uint32_t> unboxed;  // positions, ascending
+  for (std::size_t k = 0; k < shapes.size(); ++k) {
+    if (shapes[k]->Boxed()) {
+      reaches.push_back(shapes[k]->Reach());
+      boxedAt.push_back(uint32_t(k));
+    } else {
+      unboxed.push_back(uint32_t(k));
+    }
+  }
+  const BoxTree tree(reaches);
+  std::vector<uint32_t> candidates;
+  for (std::size_t j = 1; j < shapes.size(); ++j) {
+    const NestingShape& inner = *shapes[j];
+    if (!inner.CanBeInside()) continue;
+    candidates.clear();
+    if (inner.Boxed()) {
+      const PlainBox probes = inner.Probes();
+      tree.Stab(probes.left, probes.bottom, [&](std::size_t r) {
+        if (boxedAt[r] < j && reaches[r].Holds(probes.right, probes.top)) candidates.push_back(boxedAt[r]);
+      });
+      for (uint32_t i : unboxed) {
+        if (i >= j) break;
+        candidates.push_back(i);
+      }
+      std::sort(candidates.begin(), candidates.end());
+    } else {
+      for (std::size_t i = 0; i < j; ++i) candidates.push_back(uint32_t(i));
+    }
+    for (uint32_t i : candidates) {
+      if (paths[i].inside == paths[j].inside && inner.InsideOf(*shapes[i])) Flip(paths[j].inside);
+    }
+  }
 }
 
 }  // namespace rv

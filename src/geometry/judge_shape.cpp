@@ -27,7 +27,7 @@ void NestingShape::ForEachEdge(F&& f) const {
 NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
   const auto& pts = m_line.points;
   if (pts.empty()) return;
-  m_box = Box{pts[0].x, pts[0].x, pts[0].y, pts[0].y};
+  m_box = Box{pts[0].x, pts[0].y, pts[0].x, pts[0].y};
   for (const RVPOINT& p : pts) {
     if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
       m_finite = false;
@@ -43,7 +43,7 @@ NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
   ForEachEdge([&](const RVPOINT& p, const RVPOINT&) {
     ++m_edgeCount;
     if (first) {
-      m_probeBox = Box{p.x, p.x, p.y, p.y};
+      m_probeBox = Box{p.x, p.y, p.x, p.y};
       first = false;
     }
     if (p.x < m_probeBox.left) m_probeBox.left = p.x;
@@ -151,6 +151,11 @@ bool NestingShape::Contains(const RVPOINT& q) const {
     if (fast >= 0) return fast == 1;
   }
   return IsInsideAngle(WindingAngle(m_line, q));
+}
+
+PlainBox NestingShape::Reach() const {
+  const double m = m_margin;
+  return PlainBox{m_box.left - m, m_box.bottom - m, m_box.right + m, m_box.top + m};
 }
 
 bool NestingShape::InsideOf(const NestingShape& outer) const {

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "geometry/box_tree.h"
 #include "geometry/judge_polyline.h"
 
 namespace rv {
@@ -31,13 +32,22 @@ class NestingShape {
 
   const CoarsePolyline& line() const { return m_line; }
 
+  /// False when InsideOf is false whatever the outer shape: no points, or
+  /// finite points that make no edge.
+  bool CanBeInside() const { return !m_line.points.empty() && !(m_finite && m_edgeCount == 0); }
+  /// Whether the box tests below decide: all coordinates finite.
+  bool Boxed() const { return m_finite; }
+  /// For a boxed shape: the box that the probes of a boxed inner shape must
+  /// lie in (the box of all points, grown by the margin, computed as
+  /// InsideOf does); the probes of this shape.
+  PlainBox Reach() const;
+  PlainBox Probes() const { return m_probeBox; }
+
  private:
   struct Edge {
     RVPOINT a, b;
   };
-  struct Box {
-    double left = 0, right = 0, bottom = 0, top = 0;
-  };
+  using Box = PlainBox;
   /// -1 when the crossing count can't be trusted for q, else 0 or 1.
   int CrossingInside(const RVPOINT& q) const;
 
@@ -58,5 +68,19 @@ class NestingShape {
   std::size_t BandOf(double y) const;
   void MakeBands();
 };
+
+/// The nesting pass of the judgment over shapes in its order (largest area
+/// first), paths[k] belonging to shapes[k]: for i from the first to the last
+/// but one and each later j, flag j flips when both flags are equal and
+/// shape j lies inside shape i. This one tests every pair; kept as the
+/// measure of FlipNestedByIndex.
+void FlipNestedByPairs(const std::vector<const NestingShape*>& shapes, RVINSIDEPATH* paths);
+
+/// The same flags as FlipNestedByPairs. A flag can change only while the
+/// earlier shapes are visited, and its changes depend on their flags alone,
+/// so each j asks only the shapes i < j whose reach holds its probes, found
+/// through a BoxTree, in ascending i. Shapes with non-finite coordinates
+/// take part in every pair, as the box tests don't decide for them.
+void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEPATH* paths);
 
 }  // namespace rv

@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "model/drawing_memory.h"
 #include "rvdataaccess.h"
 
 namespace rv {
@@ -104,6 +105,10 @@ class CRvArt {
   CRvArt(const CRvArt& source);
   CRvArt& operator=(const CRvArt&) = delete;
   virtual ~CRvArt();
+
+  /// Arts are allocated through the drawing's tally (drawing_memory.h).
+  static void* operator new(std::size_t size) { return AllocateDrawing(size); }
+  static void operator delete(void* p, std::size_t size) noexcept { FreeDrawing(p, size); }
 
   // ---- children (containers override these; leaves have none) ----
   /// Links `child` first (0) or last (1). Returns false when the container's
@@ -320,7 +325,7 @@ class CRvBezier : public CRvPathComponent {
     m_startInSet = 1;
   }
 
-  std::vector<RVBEZIERPOINT> m_points;
+  DrawingVector<RVBEZIERPOINT> m_points;
   RVPOINT m_startIn{};   // `in` handle of the start of a closed curve, once set
   RVPOINT m_startOut{};  // the value that m_startIn takes on reversal
   int m_startOutSet = 0;
@@ -338,7 +343,7 @@ class CRvArc : public CRvPathComponent {
   void RemovePoint(int32_t i) { m_points.erase(m_points.begin() + i); }
   const RVARCPOINT& GetPoint(int32_t i) const { return m_points[std::size_t(i)]; }
 
-  std::vector<RVARCPOINT> m_points;
+  DrawingVector<RVARCPOINT> m_points;
 };
 
 class CRvSpline : public CRvPathComponent {
@@ -351,7 +356,7 @@ class CRvSpline : public CRvPathComponent {
   void AddPoint(const RVPOINT& p) { m_points.push_back(p); }
   const RVPOINT& GetPoint(int32_t i) const { return m_points[std::size_t(i)]; }
 
-  std::vector<RVPOINT> m_points;
+  DrawingVector<RVPOINT> m_points;
 };
 
 /// The three-point test of arc bounds: 1 when p0 equals p1; 0 when p2 equals

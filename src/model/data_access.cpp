@@ -4,6 +4,7 @@
 
 #include "frame/error_codes.h"
 #include "frame/frame.h"
+#include "model/refmap.h"
 
 namespace rv {
 
@@ -49,6 +50,19 @@ void CRvDataAccess::DeleteAllDocuments() {
   }
   m_documents.clear();
   m_activeIndex = -1;
+  if (RefMapStore::Instance().LiveTables() == 0) ReclaimForgotten();
+}
+
+void CRvDataAccess::ReclaimForgotten() {
+  // Taken out first: destroying a tree never comes back here, but the list
+  // is empty at once for whoever looks.
+  std::vector<std::unique_ptr<CRvRIFData>> doomed = std::move(m_forgotten);
+  m_forgotten.clear();
+  for (auto& document : doomed) {
+    // The memory document is the only kind the store makes.
+    for (const auto& layer : static_cast<CRvRIFMemoryData&>(*document).Layers()) DropReferencesInto(*layer);
+    document.reset();
+  }
 }
 
 void CRvDataAccess::SetActiveDocument(int16_t index) {

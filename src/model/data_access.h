@@ -11,9 +11,10 @@
 // by the layer list of a document, or by the store's keep of unlinked arts.
 // Arts that leave every list - RvGiDeleteArt, a create with an unknown
 // position, a child that a container's filter refused, a compound converted
-// into a group - go to that keep, and documents forgotten by
-// RvGiDeleteAllDocuments to a keep of their own. Both are released at process
-// exit, so handles stay readable until then. An unlinked art has no parent,
+// into a group - go to that keep, which is released at process exit, so
+// their handles stay readable until then. Documents forgotten by
+// RvGiDeleteAllDocuments go to a keep of their own, emptied as soon as no
+// RefMap table exists (a table is all that can still reach them). An unlinked art has no parent,
 // except a refused child, whose parent pointer is cleared when that parent is
 // destroyed (RvGiDeleteLayer, RvGiDeleteActiveDocument); a converted
 // compound's list loses the entries of paths destroyed the same way.
@@ -60,8 +61,14 @@ class CRvDataAccess {
   int16_t CreateDocument(int16_t kind);
   /// Destroys the active document; the next lower live one becomes active.
   void DeleteActiveDocument();
-  /// Forgets all documents (kept alive until exit); indexes start again at 0.
+  /// Forgets all documents; indexes start again at 0. The forgotten
+  /// documents are destroyed at once when no RefMap table exists, else when
+  /// the last one goes (ReclaimForgotten).
   void DeleteAllDocuments();
+  /// Destroys the forgotten documents. Arts unlinked from them before stay
+  /// in the keep of unlinked arts, their outward pointers cleared.
+  void ReclaimForgotten();
+  std::size_t ForgottenCount() const { return m_forgotten.size(); }
   /// 0x09001D01 for a negative index, one past the array or an empty slot.
   void SetActiveDocument(int16_t index);
   int16_t GetActiveDocumentIndex() const { return m_activeIndex; }

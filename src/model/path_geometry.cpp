@@ -194,7 +194,8 @@ double CRvPath::GetArea() const {
   if (first == nullptr) return 0.0;
   std::vector<RVBEZIERPOINT> records;
   if (first->GetType() == kArtBezier) {
-    records = static_cast<const CRvBezier*>(first)->m_points;
+    const auto& points = static_cast<const CRvBezier*>(first)->m_points;
+    records.assign(points.begin(), points.end());
   } else if (first->GetType() == kArtSpline) {
     for (const RVPOINT& p : static_cast<const CRvSpline*>(first)->m_points) {
       RVBEZIERPOINT r{};

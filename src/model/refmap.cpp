@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "frame/frame.h"
+#include "model/data_access.h"
 
 namespace rv {
 
@@ -101,10 +102,23 @@ RefMapStore& RefMapStore::Instance() {
   return store;
 }
 
+RefMapStore::~RefMapStore() { m_closing = true; }
+
 int16_t RefMapStore::CreateTable() {
   if (m_tables.size() > std::size_t(INT16_MAX)) throw std::length_error("too many RefMap tables");
-  m_tables.push_back(std::make_shared<RefMapTable>());
+  // Counted before the shared pointer owns it: from there on any failure
+  // goes through the deleter, which counts it out.
+  auto* made = new RefMapTable;
+  ++m_live;
+  std::shared_ptr<RefMapTable> table(made, [this](RefMapTable* t) { TableGone(t); });
+  m_tables.push_back(std::move(table));
   return int16_t(m_tables.size() - 1);
+}
+
+void RefMapStore::TableGone(RefMapTable* table) {
+  delete table;
+  --m_live;
+  if (m_live == 0 && !m_closing) CRvDataAccess::Instance().ReclaimForgotten();
 }
 
 void RefMapStore::DeleteAll() { m_tables.clear(); }

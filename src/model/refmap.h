@@ -104,6 +104,10 @@ class RefMapStore {
   /// callback deletes tables.
   std::shared_ptr<RefMapTable> Hold(int16_t map);
   std::size_t TableCount() const { return m_tables.size(); }
+  /// Tables not yet destroyed: those of the list and those that a running
+  /// walk still holds after their deletion. When the last one is destroyed,
+  /// the store's forgotten documents are reclaimed.
+  std::size_t LiveTables() const { return m_live; }
 
   /// `reversed` of table `map`.
   int GetReversed(int16_t map) { return Table(map).reversed; }
@@ -146,11 +150,17 @@ class RefMapStore {
 
  private:
   RefMapStore() = default;
+  ~RefMapStore();
+  /// The deleter of every table: counts it out and reclaims the forgotten
+  /// documents after the last one (but not while the process ends).
+  void TableGone(RefMapTable* table);
 
   std::vector<std::shared_ptr<RefMapTable>> m_tables;
   // The one position of the stepwise cut-order walk, shared by all tables:
   // an item number of the cut order of the table named in the call.
   std::size_t m_orderPosition = 0;
+  std::size_t m_live = 0;  // tables made and not yet destroyed
+  bool m_closing = false;  // the store itself is being destroyed
 };
 
 /// Visits one art of an entry: the art itself when `drill` is false or the

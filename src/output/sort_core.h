@@ -6,11 +6,13 @@
 
 #include <algorithm>
 #include <climits>
+#include <optional>
 #include <cstdint>
 #include <vector>
 
 #include "geometry/affine.h"
 #include "output/int_rect.h"
+#include "output/start_tree.h"
 
 namespace rv {
 
@@ -24,6 +26,10 @@ struct RVSORTENTRY {
 
 /// Largest distance that the nearest-start refinement keeps.
 constexpr double kDistanceCap = 170000.0;
+
+/// Runs of the nearest-start refinement up to this length are searched
+/// entry by entry; longer ones through a StartTree.
+constexpr std::size_t kShortRun = 64;
 
 /// Orders by key, ascending; equal keys keep their order.
 void SortEntriesByKey(std::vector<RVSORTENTRY>& entries);
@@ -73,12 +79,14 @@ void RefineByNearestStartPlain(std::vector<RVSORTENTRY>& entries, RVPOINT pen, S
   }
 }
 
-/// The same order and values as RefineByNearestStartPlain, with one distance
-/// per open entry and step instead of a sort. The first entry of the sorted
-/// open list is the least by (distance now, place in the list before), and
-/// the place in the list before is decided by the distance from the pen
-/// before that, and so on back to the order of the run: so a linear search
-/// finds it, and only entries that tie look back at earlier pens.
+/// The same order and values as RefineByNearestStartPlain, without a sort.
+/// The first entry of the sorted open list is the least by (distance now,
+/// place in the list before), and the place in the list before is decided by
+/// the distance from the pen before that, and so on back to the order of
+/// the run. So the entries at the least distance now, found in a StartTree,
+/// are the only candidates, and only those that tie look back at earlier
+/// pens. Where the least distance reaches the cap, every open entry ties at
+/// the cap and all of them are compared.
 template <class StartOf, class EndOf, class Report>
 void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartOf&& startOf, EndOf&& endOf,
                           Report&& report) {
@@ -87,7 +95,8 @@ void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartO
   std::vector<RVPOINT> starts;
   std::vector<RVPOINT> pens;        // the pen of each measurement of the run
   std::vector<std::size_t> open;    // indexes into run, in no particular order
-  std::vector<double> now;          // distance of each open entry at the last measurement
+  std::vector<std::size_t> slot;    // place of each open index in `open`
+  std::vector<std::size_t> ties;
   auto capped = [](const RVPOINT& p, const RVPOINT& q) {
     const double d = Distance(p, q);
     return d < kDistanceCap ? d : kDistanceCap;
@@ -103,6 +112,20 @@ void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartO
     }
     return x < y;  // the order of the run
   };
+  // The first of the candidates in the list sorted at measurement `step`.
+  auto first = [&](const std::vector<std::size_t>& candidates, std::size_t step) {
+    std::size_t best = candidates[0];
+    double least = capped(pens[step], starts[best]);
+    for (std::size_t m = 1; m < candidates.size(); ++m) {
+      const std::size_t c = candidates[m];
+      const double d = capped(pens[step], starts[c]);
+      if (d < least || (d == least && (step == 0 ? c < best : before(c, best, step - 1)))) {
+        best = c;
+        least = d;
+      }
+    }
+    return best;
+  };
   std::size_t i = 0;
   while (i < n) {
     std::size_t runEnd = i + 1;
@@ -111,42 +134,33 @@ void RefineByNearestStart(std::vector<RVSORTENTRY>& entries, RVPOINT pen, StartO
     if (k > 1) {
       run.assign(entries.begin() + std::ptrdiff_t(i), entries.begin() + std::ptrdiff_t(runEnd));
       starts.resize(k);
-      now.assign(k, 0.0);
       for (std::size_t j = 0; j < k; ++j) starts[j] = startOf(run[j].art);
       pens.clear();
       open.resize(k);
-      for (std::size_t j = 0; j < k; ++j) open[j] = j;
+      slot.resize(k);
+      for (std::size_t j = 0; j < k; ++j) open[j] = slot[j] = j;
+      std::optional<StartTree> tree;
+      if (k > kShortRun) tree.emplace(starts);
       std::size_t out = i;
-      // One measurement: the distances now, and the position in `open` of
-      // the least entry by (distance, place in the list before).
-      auto measure = [&]() {
+      while (open.size() > 2) {
         const std::size_t step = pens.size();
         pens.push_back(pen);
-        std::size_t best = 0;
-        for (std::size_t m = 0; m < open.size(); ++m) {
-          const std::size_t j = open[m];
-          now[j] = capped(pen, starts[j]);
-          run[j].value = now[j];
-          if (m == 0) continue;
-          const std::size_t b = open[best];
-          if (now[j] < now[b] || (now[j] == now[b] && step > 0 && before(j, b, step - 1)) ||
-              (now[j] == now[b] && step == 0 && j < b)) {
-            best = m;
-          }
-        }
-        return best;
-      };
-      while (open.size() > 2) {
-        const std::size_t m = measure();
-        const std::size_t j = open[m];
+        const bool near = tree && tree->Nearest(pen, ties) < kDistanceCap;
+        const std::size_t j = first(near ? ties : open, step);
+        run[j].value = capped(pen, starts[j]);
         entries[out++] = run[j];
         pen = endOf(run[j].art);
-        open[m] = open.back();  // the order of `open` doesn't matter
+        if (tree) tree->Remove(j);
+        open[slot[j]] = open.back();  // the order of `open` doesn't matter
+        slot[open.back()] = slot[j];
         open.pop_back();
       }
-      const std::size_t m = measure();
-      const std::size_t first = open[m], second = open[1 - m];
-      entries[out++] = run[first];
+      const std::size_t step = pens.size();
+      pens.push_back(pen);
+      const std::size_t lead = first(open, step), second = open[0] == lead ? open[1] : open[0];
+      run[lead].value = capped(pen, starts[lead]);
+      run[second].value = capped(pen, starts[second]);
+      entries[out++] = run[lead];
       entries[out++] = run[second];
       pen = endOf(run[second].art);
     }

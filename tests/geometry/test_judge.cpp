@@ -248,6 +248,10 @@ TEST_F(Judge, FastNestingMatchesThePlainAlgorithm) {
       EXPECT_LT(holes, 50) << "the scene must nest in depth, not only by pairs";
     }
   }
+  // One large piece holding a hundred.
+  std::vector<void*> held = MakeScene(25, 4, 4);
+  held.insert(held.begin() + 50, Square(-20, -20, 200));
+  EXPECT_GT(ExpectSameAsPlain(held, false, 0), 50);
   // Squares that share a corner and two sides; a path without points.
   ExpectSameAsPlain({Square(0, 0, 10), PathOf({}), Square(0, 0, 5)}, false, 0);
   std::vector<void*> paths = MakeScene(2, 4, 9);

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "drawing_host.h"
 #include "model/data_access.h"
+#include "model/drawing_memory.h"
 
 using namespace drawtest;
 
@@ -69,20 +72,85 @@ TEST_F(DocumentStore, IndexesAreAppendedAndNeverReused) {
   EXPECT_EQ(Create(), 3);
 }
 
-TEST_F(DocumentStore, ForgottenDocumentsStayReadable) {
-  Create();
+// A document with one layer and a tagged path; returns the path.
+void* TaggedPath() {
+  int16_t index = -1;
   void* layer = nullptr;
   void* path = nullptr;
-  ASSERT_EQ(RvGiCreateLayer(1, nullptr, &layer), 0u);
-  ASSERT_EQ(RvGiCreateArt(4, 3, nullptr, &path), 0u);
-  ASSERT_EQ(RvGiSetArtTag(path, "k", "cut"), 0u);
+  EXPECT_EQ(RvGiCreateDocument(0, &index), 0u);
+  EXPECT_EQ(RvGiCreateLayer(1, nullptr, &layer), 0u);
+  EXPECT_EQ(RvGiCreateArt(4, 3, nullptr, &path), 0u);
+  EXPECT_EQ(RvGiSetArtTag(path, "k", "cut"), 0u);
+  return path;
+}
+
+std::string Tag(void* art) {
+  char text[16] = {};
+  EXPECT_EQ(RvGiGetArtTag(art, "k", text), 0u);
+  return text;
+}
+
+TEST_F(DocumentStore, ForgottenDocumentsLiveWhileATableCanReachThem) {
+  rv::CRvDataAccess& store = rv::CRvDataAccess::Instance();
+  ASSERT_EQ(RvGiDeleteRefMapTable(), 0u);
+  const std::size_t empty = rv::DrawingBytes();
+
+  // No table: the forgotten document goes at once; an art unlinked from it
+  // before stays readable.
+  void* path = TaggedPath();
+  void* unlinked = nullptr;
+  ASSERT_EQ(RvGiCreateArt(4, 3, nullptr, &unlinked), 0u);
+  ASSERT_EQ(RvGiSetArtTag(unlinked, "k", "kept"), 0u);
+  void* handle = unlinked;
+  ASSERT_EQ(RvGiDeleteArt(&handle), 0u);
+  const std::size_t withUnlinked = rv::DrawingBytes();
+  ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
+  EXPECT_EQ(store.ForgottenCount(), 0u);
+  EXPECT_LT(rv::DrawingBytes(), withUnlinked);
+  EXPECT_GT(rv::DrawingBytes(), empty) << "the unlinked art is still held";
+  EXPECT_EQ(Tag(unlinked), "kept");
+  EXPECT_EQ(Parent(unlinked), nullptr);
+  const std::size_t afterFirst = rv::DrawingBytes();
+
+  // A table: the arts stay readable, also in their tree, until the last
+  // table goes.
+  int16_t map = -1;
+  path = TaggedPath();
+  void* layer = Parent(path);
+  ASSERT_EQ(RvGiCreateRefMapTable(&map), 0u);
+  ASSERT_EQ(RvGiCreateRefMapTable(&map), 0u);
+  ASSERT_EQ(RvGiAddRefMapData(map, "K", 2, path), 0u);
   ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
   EXPECT_EQ(Active(), -1);
-  // A handle kept elsewhere (a RefMap table) still reads.
-  char text[16] = {};
-  EXPECT_EQ(RvGiGetArtTag(path, "k", text), 0u);
-  EXPECT_STREQ(text, "cut");
+  EXPECT_EQ(store.ForgottenCount(), 1u);
+  EXPECT_EQ(Tag(path), "cut");
   EXPECT_EQ(Parent(path), layer);
+  ASSERT_EQ(RvGiDeleteSpecificRefMapTable(0), 0u);
+  EXPECT_EQ(Tag(path), "cut") << "one table is left";
+  ASSERT_EQ(RvGiDeleteSpecificRefMapTable(0), 0u);
+  EXPECT_EQ(store.ForgottenCount(), 0u);
+  EXPECT_EQ(rv::DrawingBytes(), afterFirst);
+
+  // A walk whose callback deletes the tables still reads its arts to the
+  // end; the documents go when the walk lets go of the table.
+  path = TaggedPath();
+  ASSERT_EQ(RvGiCreateRefMapTable(&map), 0u);
+  ASSERT_EQ(RvGiAddRefMapData(map, "K", 2, path), 0u);
+  ASSERT_EQ(RvGiAddRefMapData(map, "L", 2, path), 0u);
+  ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
+  static int visits;
+  visits = 0;
+  auto visit = [](void*, void* art) -> uint32_t {
+    ++visits;
+    EXPECT_EQ(RvGiDeleteRefMapTable(), 0u);
+    EXPECT_EQ(Tag(art), "cut");
+    EXPECT_EQ(rv::CRvDataAccess::Instance().ForgottenCount(), 1u);
+    return 0;
+  };
+  EXPECT_EQ(RvGiRefMapTableTrace(map, 0, nullptr, visit, 0), 0u);
+  EXPECT_EQ(visits, 2);
+  EXPECT_EQ(store.ForgottenCount(), 0u);
+  EXPECT_EQ(rv::DrawingBytes(), afterFirst);
   EXPECT_EQ(Create(), 0);
 }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -67,18 +68,21 @@ TEST(SortCore, NearestStartWithinRunsOfEqualKeys) {
 TEST(SortCore, NearestStartGivesTheOrderOfThePlainProcedure) {
   // Starts and ends on a small integer grid, so that many distances tie
   // exactly; some starts repeat, some lie beyond the cap; keys in few runs.
+  // The last rounds hold runs long enough for the tree search, a NaN start
+  // among them, and one round of 1 500 in one run.
   std::mt19937 gen(11);
-  for (int round = 0; round < 300; ++round) {
-    const int count = 1 + int(gen() % 40);
+  for (int round = 0; round < 340; ++round) {
+    const int count = round < 300 ? 1 + int(gen() % 40) : round < 339 ? 30 + int(gen() % 600) : 1500;
     std::vector<RVPOINT> starts, ends;
     std::vector<rv::RVSORTENTRY> e;
-    std::uniform_int_distribution<int> cell(0, round % 3 == 0 ? 2 : 6);
+    std::uniform_int_distribution<int> cell(0, round % 3 == 0 ? 2 : round < 300 ? 6 : 40);
     for (int k = 0; k < count; ++k) {
       RVPOINT s{double(cell(gen)), double(cell(gen))};
       if (gen() % 10 == 0) s.x += 200000.0;  // beyond the cap
+      if (round >= 300 && k == 7) s.y = std::nan("");
       starts.push_back(s);
       ends.push_back(RVPOINT{double(cell(gen)), double(cell(gen))});
-      e.push_back(rv::RVSORTENTRY{int(gen() % 3), 0.0, Art(k + 1)});
+      e.push_back(rv::RVSORTENTRY{round < 339 ? int(gen() % 3) : 0, 0.0, Art(k + 1)});
     }
     rv::SortEntriesByKey(e);
     auto plain = e;
