@@ -23,6 +23,10 @@ const std::map<std::string, int> kCurves{{"lines", 0}, {"arcs", 1}, {"splines", 
 const char* const kMachines[] = {"TQ",  "WD",   "WD3",  "WD3K", "BNS", "TQ2",  "TQNV", "WDP", "YBNS",
                                  "TQNV2", "WD22", "SOVE", "SOPI", "HWD", "TQHB", "WDZK", "WDZ"};
 
+// The machine families whose conditions hold depth passes.
+constexpr int kMillingMachine = 3;           // WD3K
+constexpr int kMillingMachineWithUnit = 15;  // WDZK
+
 bool ParseNumber(const std::string& text, double& value) {
   if (text.empty() || std::isspace(static_cast<unsigned char>(text.front()))) return false;
   char* end = nullptr;
@@ -189,6 +193,17 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   plot->add_option("--tool-pen", o.toolPens, "Pen of a condition's tool: TOOL=PEN (repeatable, 40 at most)")
       ->type_name("TOOL=PEN")
       ->allow_extra_args(false);
+  plot->add_option("--tiles", o.tiles,
+                   "Divide the drawing into N strips along y and write them one after the other")
+      ->check(CLI::Range(1, 1000))
+      ->type_name("N");
+  plot->add_option("--tile-gap", o.tileGap, "Millimetres between tiles on the machine")
+      ->capture_default_str()
+      ->check(CLI::NonNegativeNumber);
+  plot->add_flag("--mill", o.mill,
+                 "Router job (class 5, or 12 if given) in depth passes from the conditions of a milling "
+                 "family (--machine WD3K or WDZK): each pass at its depth, closed paths offset outward by "
+                 "half the change of the Milling value");
   return plot;
 }
 
@@ -219,6 +234,11 @@ void FinishPlotOptions(PlotOptions& o) {
                     kUsageStatus);
   }
   if (o.sortPerOrder && !o.sort) o.sort = true;
+  if (o.mill) {
+    if (o.machine != kMillingMachine && o.machine != kMillingMachineWithUnit)
+      throw Failure("--mill needs the conditions of a milling family: --machine WD3K or WDZK", kUsageStatus);
+    if (o.plotterClass != 12) o.plotterClass = 5;
+  }
 }
 
 Subcommand AddPlotSubcommand(CLI::App& app) {
