@@ -61,7 +61,8 @@ void BM_MillingExport(benchmark::State& state) {
     rvbench::AddFiledPath(drawing, "M", points, kSegments, RVRECT{cy + 30, cx - 30, cx + 30, cy - 30});
   }
   // The paths of the key, newest first: close each and give it its media.
-  RvGiRefMapTableTrace(drawing.map, 2, &joints, [](void* context, void* path) -> uint32_t {
+  bool tagJoints = joints;
+  RvGiRefMapTableTrace(drawing.map, 2, &tagJoints, [](void* context, void* path) -> uint32_t {
     RvGiSetPathClosed(path, 1);
     RvGiSetPathPlotInfo(path, 0, "M");
     void* bezier = nullptr;

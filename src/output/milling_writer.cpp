@@ -9,14 +9,24 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "conditions/cut_cdn_mng.h"
+#include "formats/file_frame.h"
 #include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/data_access.h"
 #include "output/rvl_format.h"
 
 namespace rv {
+
+uint32_t ExportMillingJob(const char* path, int16_t documentIndex, const RVPLOTPARAM& param, void* progressContext,
+                          void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt) {
+  auto format = std::make_unique<CRvRVLFormat>(param);
+  format->SetOffsetMaker(callbackUser, makeOffsetArt);
+  CRvFile file(std::move(format));
+  return file.Export(path, documentIndex, progressContext);
+}
 
 MillingCondition ReadMillingCondition(const std::string& key, int32_t pass) {
   CRvCutCdnMng& conditions = CRvCutCdnMng::Instance();

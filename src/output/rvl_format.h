@@ -75,6 +75,16 @@ class CRvArtSort;
 uint32_t CuttingWriterThunk(void* context, void* art);
 uint32_t MillingWriterThunk(void* context, void* art);
 
+/// Writes the document `documentIndex` as a tiled job of `tiles` into
+/// `path`; on success `param.originY` becomes the originY behind the last
+/// tile. Returns the code of the export.
+uint32_t ExportTiledJob(const char* path, int16_t documentIndex, RVPLOTPARAM& param, const RVTILEPARAM& tiles,
+                        void* progressContext);
+/// Writes the document `documentIndex` as a job whose closed router arts
+/// take their offset paths from `makeOffsetArt`. Returns the code.
+uint32_t ExportMillingJob(const char* path, int16_t documentIndex, const RVPLOTPARAM& param, void* progressContext,
+                          void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt);
+
 /// The closed paths of a collected list, for the inside pass. A group or
 /// compound stands in a collected list once for each path below it, under
 /// its own handle: it isn't a path, so it takes no part.

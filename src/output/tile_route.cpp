@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 
+#include "formats/file_frame.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "geometry/affine.h"
@@ -34,6 +36,18 @@ RVRECT Union(const RVRECT& a, const RVRECT& b) {
 int16_t MainTable() { return MapIndex(RefMapStore::Instance().refMapIndex); }
 
 }  // namespace
+
+uint32_t ExportTiledJob(const char* path, int16_t documentIndex, RVPLOTPARAM& param, const RVTILEPARAM& tiles,
+                        void* progressContext) {
+  // The caller's originY changes only when the whole job succeeded.
+  double finalOriginY = param.originY;
+  auto format = std::make_unique<CRvRVLFormat>(param);
+  format->SetTiles(tiles, &finalOriginY);
+  CRvFile file(std::move(format));
+  const uint32_t code = file.Export(path, documentIndex, progressContext);
+  if (code == 0) param.originY = finalOriginY;
+  return code;
+}
 
 void CRvRVLFormat::SetTiles(const RVTILEPARAM& tiles, double* finalOriginY) {
   m_tileMode = 1;
