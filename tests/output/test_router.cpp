@@ -320,6 +320,28 @@ TEST_F(RouterTest, TwoTilesAndTheFinalOriginY) {
   EXPECT_EQ(p.originY, 13.0);
 }
 
+// A router's tile goes through the milling writer unsorted and through the
+// cutting writer sorted (its block of pen, speed, pressure and offset).
+// A count of tiles without tiles is refused.
+TEST_F(RouterTest, RouterTilesSortedAndUnsorted) {
+  CLCondition passes[1] = {Pass(3)};
+  ASSERT_EQ(RvCLSetCutCondition("M", passes, 1), 0u);
+  void* path = AddPath({{0, 0}, {0, 5}}, false, "T1");
+  ASSERT_EQ(RvGiSetPathPlotInfo(path, 0, "M"), 0u);
+  const std::string line = "PU0.00,0.00;PD0.00,0.00;PD5.00,0.00;PU;";
+  RVPLOTPARAM p = Milling(0);
+  EXPECT_EQ(Tiles(p, {Tile(1)}), "DF1;SP3;JW100;JZ70;" + line);
+  p = Milling(0);
+  p.sortArts = 1;
+  EXPECT_EQ(Tiles(p, {Tile(1)}), "SP3;VS0,3;ZF0,3;ZO0.00;" + line);
+
+  RVTILEPARAM none{};
+  none.tileCount = 2;
+  TempDir dir;
+  EXPECT_EQ(RvExRIFTileToRVL(dir.file("job.rvl").c_str(), m_document, &p, &none, nullptr), 0x06001001u);
+  EXPECT_EQ(RvExRIFTileToRVL(dir.file("job.rvl").c_str(), m_document, &p, nullptr, nullptr), 0x06001001u);
+}
+
 // Tile 1 with the frame rectangle (-2,-1)-(4,6): the tile is placed by the
 // union with its arts, so (x, y) -> (x + 2, y + 11), and the frame is drawn
 // round (0,10)-(6,17) after the tile's arts; the job frame follows with the
