@@ -25,21 +25,22 @@ constexpr std::size_t kMillingJobHead = 65536;
 
 int RunRender(const RenderOptions& options, std::ostream& out) {
   PictureTypeOf(options.output);  // refuse a bad name before any work
+  PictureOptions picture;
+  picture.title = options.file;
+  picture.pixelWidth = options.pixelWidth;
+  picture.travel = options.travel;
+  picture.starts = options.starts;
   std::ifstream in(options.file, std::ios::binary);
   std::string head(kMillingJobHead, '\0');
   in.read(head.data(), static_cast<std::streamsize>(head.size()));
   head.resize(static_cast<std::size_t>(in.gcount()));
   if (IsMillingJob(head)) {
-    // A router job: each pass in a colour of its own.
+    // A router job: each depth in a colour of its own.
     in.clear();
     in.seekg(0);
     const std::string job((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     int depths = 0;
     const Scene scene = SceneOfMillingJob(job, options.unit, depths);
-    PictureOptions picture;
-    picture.title = options.file;
-    picture.pixelWidth = options.pixelWidth;
-    picture.travel = options.travel;
     WritePicture(scene, options.output, picture);
     out << "picture: " << options.output << " (" << scene.strokes.size() << " cuts at " << depths
         << (depths == 1 ? " depth, " : " depths, ") << scene.bounds.width() << " x " << scene.bounds.height()
@@ -48,10 +49,6 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   }
   const Document document = ImportAndActivate("render", options.file, options.unit);
   const Scene scene = SceneOfActiveDocument();
-  PictureOptions picture;
-  picture.title = options.file;
-  picture.pixelWidth = options.pixelWidth;
-  picture.travel = options.travel;
   WritePicture(scene, options.output, picture);
   out << "picture: " << options.output << " (" << scene.strokes.size() << " cuts, "
       << scene.bounds.width() << " x " << scene.bounds.height() << " mm)\n";
@@ -64,7 +61,8 @@ Subcommand AddRenderCommand(CLI::App& app) {
   command->footer(
       "The picture shows the cuts in black, the pen-up travel dashed in light blue (from the\n"
       "origin to the first cut and between cuts), the start of each cut in red and the\n"
-      "bounding box of the cuts dotted. A job of the HP-GL or single-letter dialects is read\n"
+      "bounding box of the cuts dotted. Start marks and travel lines get thinner where the\n"
+      "cuts stand dense, so that they never hide the drawing. A job of the HP-GL or single-letter dialects is read\n"
       "back as the plot file that it is, so the cuts stand in the order of the job. A milling\n"
       "job (one with depth words, JZ) shows each depth in a colour of its own, in the order\n"
       "in which the job first goes to it, so the passes and the joints stand apart.");
@@ -78,6 +76,7 @@ Subcommand AddRenderCommand(CLI::App& app) {
       ->default_val(1200)
       ->check(CLI::Range(16, 16384));
   command->add_flag("--no-travel{false}", options->travel, "Leave out the pen-up travel");
+  command->add_flag("--no-starts{false}", options->starts, "Leave out the marks of the cuts' starts");
   return {command, [options](std::ostream& out) { return RunRender(*options, out); }};
 }
 
