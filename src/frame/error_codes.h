@@ -89,7 +89,8 @@ namespace rv {
 /// ITW import and fonts.
 #define RV_ERROR_CODES_ITW(X)
 /// Tombo sort and preference files.
-#define RV_ERROR_CODES_PREFS(X)
+#define RV_ERROR_CODES_PREFS(X) \
+  X(kErrTomboPoints, 0x0A002001u, "the register mark record is null or its count is outside 0 to 2500")
 
 /// Every documented code of the library, in table order.
 #define RV_ALL_ERROR_CODES(X)                                                           \

@@ -41,6 +41,11 @@ struct RenderOptions {
   bool starts = true;
 };
 
+struct PrefsOptions {
+  std::string file;
+  std::string output;  // upgrade only
+};
+
 /// `rvtool info`: imports the file and prints the document.
 int RunInfo(const InfoOptions& options, std::ostream& out);
 /// `rvtool render`: imports a drawing or a written job and draws it.
@@ -50,6 +55,13 @@ int RunRender(const RenderOptions& options, std::ostream& out);
 Subcommand AddInfoCommand(CLI::App& app);
 Subcommand AddPlotSubcommand(CLI::App& app);
 Subcommand AddRenderCommand(CLI::App& app);
+
+/// `rvtool prefs show`: prints a preference file's values by section.
+int RunPrefsShow(const PrefsOptions& options, std::ostream& out);
+/// `rvtool prefs upgrade`: writes a preference file at the version a save writes.
+int RunPrefsUpgrade(const PrefsOptions& options, std::ostream& out);
+/// The subcommand `prefs` with `show` and `upgrade`.
+Subcommand AddPrefsCommand(CLI::App& app);
 
 /// The report of `info` for the active document; `title` heads it.
 void DescribeActiveDocument(const std::string& title, std::ostream& out);

@@ -44,6 +44,7 @@ constexpr rvtool::SubcommandMaker kSubcommands[] = {
     rvtool::AddInfoCommand,
     rvtool::AddPlotSubcommand,
     rvtool::AddRenderCommand,
+    rvtool::AddPrefsCommand,
 };
 
 int main(int argc, char** argv) {
