@@ -22,6 +22,7 @@ struct Bounds {
 struct Stroke {
   std::vector<RVPOINT> points;
   bool closed = false;
+  int shade = -1;  // -1 black; 0, 1, ...: a colour of the picture's palette (a pass of a milling job)
 };
 
 /// All paths of a drawing in drawing order.

@@ -18,6 +18,12 @@ namespace {
 
 constexpr const char* kTravelColour = "#8fb3de";
 constexpr const char* kStartColour = "#d62728";
+
+// The colours of shaded cuts (the passes of a milling job), taken in turn;
+// red is left to the start marks.
+constexpr unsigned kShadeColours[] = {0x1f77b4, 0x2ca02c, 0xff7f0e, 0x9467bd, 0x8c564b, 0x17becf, 0xbcbd22, 0xe377c2};
+
+unsigned ShadeColour(int shade) { return kShadeColours[static_cast<std::size_t>(shade) % std::size(kShadeColours)]; }
 constexpr const char* kBoxColour = "#9a9a9a";
 constexpr int kMaxPixels = 16384;
 
@@ -157,12 +163,18 @@ void WritePng(const Scene& scene, const std::string& path, const PictureOptions&
     StrokeInPixels(cr, travelPixels);
   }
   cairo_set_dash(cr, nullptr, 0, 0);
-  cairo_set_source_rgb(cr, 0, 0, 0);
   for (const Stroke& stroke : scene.strokes) {
     cairo_move_to(cr, stroke.points.front().x, stroke.points.front().y);
     for (const RVPOINT& p : stroke.points) cairo_line_to(cr, p.x, p.y);
     if (stroke.closed) cairo_close_path(cr);
+    // Each shade strokes apart; plain cuts all at once.
+    if (stroke.shade >= 0) {
+      const unsigned rgb = ShadeColour(stroke.shade);
+      cairo_set_source_rgb(cr, (rgb >> 16) / 255.0, ((rgb >> 8) & 0xFF) / 255.0, (rgb & 0xFF) / 255.0);
+      StrokeInPixels(cr, 1.5 * pixel);
+    }
   }
+  cairo_set_source_rgb(cr, 0, 0, 0);
   StrokeInPixels(cr, 1.5 * pixel);
   cairo_set_source_rgb(cr, 0xd6 / 255.0, 0x27 / 255.0, 0x28 / 255.0);
   if (options.starts) {
@@ -239,7 +251,13 @@ std::string SvgOfScene(const Scene& scene, const PictureOptions& options) {
     }
     if (stroke.points.size() == 1) d += "L" + X(stroke.points[0].x) + " " + Y(stroke.points[0].y);
     if (stroke.closed) d += "Z";
-    svg += "<path d=\"" + d + "\"/>\n";
+    std::string shade;
+    if (stroke.shade >= 0) {
+      char colour[8];
+      std::snprintf(colour, sizeof colour, "#%06x", ShadeColour(stroke.shade));
+      shade = std::string(" stroke=\"") + colour + "\"";
+    }
+    svg += "<path d=\"" + d + "\"" + shade + "/>\n";
   }
   svg += "</g>\n";
   if (options.starts) {

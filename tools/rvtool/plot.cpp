@@ -10,6 +10,7 @@
 #include "filing.h"
 #include "plot_options.h"
 #include "progress.h"
+#include "router.h"
 #include "rvdataaccess.h"
 
 namespace rvtool {
@@ -46,6 +47,7 @@ RVPLOTPARAM ParamOf(const PlotOptions& o, bool withMedia) {
   param.defaultPress = static_cast<int16_t>(o.press);
   param.defaultOffset = o.offset;
   param.machineType = static_cast<uint16_t>(o.machine);
+  param.tileGap = o.tileGap;
   for (std::size_t i = 0; i < o.toolPens.size(); ++i) {
     const std::string& item = o.toolPens[i];
     const auto eq = item.find('=');
@@ -80,12 +82,31 @@ int RunPlot(const PlotOptions& o, std::ostream& out) {
   RefMapTables tables;
   const FileBy by = o.byColour ? FileBy::Colour : FileBy::Layer;
   const std::vector<FiledKey> groups = GroupPaths(by);
-  FileInRefMap(groups, by);
+  const int16_t main = FileInRefMap(groups, by);
   const long withMedia = AssignMedia(groups, o.mediaByKey, o.defaultMedia);
 
-  const RVPLOTPARAM param = ParamOf(o, withMedia > 0);
+  RVPLOTPARAM param = ParamOf(o, withMedia > 0);
+  if (o.mill) {
+    // The router writes the router tables: here the main table alone.
+    RvGiSetRefMapRouterOffsetSIndex(main);
+    RvGiSetRefMapRouterOffsetEIndex(main);
+  }
+  std::vector<RVTILE> tiles;
+  if (o.tiles > 0) tiles = FileTiles(groups, main, o.tiles);
   progress.Stage("export", o.output);
-  const uint32_t code = RvExRIFToRVL(o.output.c_str(), document.index(), &param, progress.context());
+  uint32_t code = 0;
+  if (o.tiles > 0) {
+    RVTILEPARAM tileParam{};
+    std::strncpy(tileParam.prefix, kTilePrefix, sizeof tileParam.prefix - 1);
+    tileParam.tiles = tiles.data();
+    tileParam.tileCount = static_cast<int32_t>(tiles.size());
+    code = RvExRIFTileToRVL(o.output.c_str(), document.index(), &param, &tileParam, progress.context());
+  } else if (o.mill) {
+    code = RvExRIFMillingToRVL(o.output.c_str(), document.index(), &param, progress.context(), nullptr,
+                               MakeOffsetArt);
+  } else {
+    code = RvExRIFToRVL(o.output.c_str(), document.index(), &param, progress.context());
+  }
   progress.Clear();
   if (code != 0) {
     // A job cut short must not reach a machine.
@@ -101,6 +122,7 @@ int RunPlot(const PlotOptions& o, std::ostream& out) {
   out << "job: " << o.output << " (" << paths << (paths == 1 ? " path" : " paths") << " under "
       << groups.size() << (groups.size() == 1 ? " key" : " keys") << ", dialect " << DialectName(o.dialect)
       << ", " << (sizeError ? 0 : bytes) << " bytes)\n";
+  if (o.tiles > 0) out << "tiles: " << o.tiles << ", the next job may start at y " << param.originY << " mm\n";
   return 0;
 }
 

@@ -23,6 +23,10 @@ const std::map<std::string, int> kCurves{{"lines", 0}, {"arcs", 1}, {"splines", 
 const char* const kMachines[] = {"TQ",  "WD",   "WD3",  "WD3K", "BNS", "TQ2",  "TQNV", "WDP", "YBNS",
                                  "TQNV2", "WD22", "SOVE", "SOPI", "HWD", "TQHB", "WDZK", "WDZ"};
 
+// The machine families whose conditions hold depth passes.
+constexpr int kMillingMachine = 3;           // WD3K
+constexpr int kMillingMachineWithUnit = 15;  // WDZK
+
 bool ParseNumber(const std::string& text, double& value) {
   if (text.empty() || std::isspace(static_cast<unsigned char>(text.front()))) return false;
   char* end = nullptr;
@@ -106,6 +110,7 @@ namespace {
 void AddConditionOptions(CLI::App* plot, PlotOptions& o);
 void AddPlacementOptions(CLI::App* plot, PlotOptions& o);
 void AddCuttingOptions(CLI::App* plot, PlotOptions& o);
+void AddRouterOptions(CLI::App* plot, PlotOptions& o);
 }  // namespace
 
 CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
@@ -125,6 +130,7 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   AddConditionOptions(plot, o);
   AddPlacementOptions(plot, o);
   AddCuttingOptions(plot, o);
+  AddRouterOptions(plot, o);
   return plot;
 }
 
@@ -213,6 +219,21 @@ void AddCuttingOptions(CLI::App* plot, PlotOptions& o) {
       ->allow_extra_args(false);
 }
 
+// Router jobs: tiles and depth passes.
+void AddRouterOptions(CLI::App* plot, PlotOptions& o) {
+  plot->add_option("--tiles", o.tiles,
+                   "Divide the drawing into N strips along y and write them one after the other")
+      ->check(CLI::Range(1, 1000))
+      ->type_name("N");
+  plot->add_option("--tile-gap", o.tileGap, "Millimetres between tiles on the machine")
+      ->capture_default_str()
+      ->check(CLI::NonNegativeNumber);
+  plot->add_flag("--mill", o.mill,
+                 "Router job (class 5, or 12 if given) in depth passes from the conditions of a milling "
+                 "family (--machine WD3K or WDZK): each pass at its depth, closed paths offset outward by "
+                 "half the change of the Milling value");
+}
+
 }  // namespace
 
 void FinishPlotOptions(PlotOptions& o) {
@@ -242,6 +263,11 @@ void FinishPlotOptions(PlotOptions& o) {
                     kUsageStatus);
   }
   if (o.sortPerOrder && !o.sort) o.sort = true;
+  if (o.mill) {
+    if (o.machine != kMillingMachine && o.machine != kMillingMachineWithUnit)
+      throw Failure("--mill needs the conditions of a milling family: --machine WD3K or WDZK", kUsageStatus);
+    if (o.plotterClass != 12) o.plotterClass = 5;
+  }
 }
 
 Subcommand AddPlotSubcommand(CLI::App& app) {

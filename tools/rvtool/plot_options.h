@@ -46,6 +46,9 @@ struct PlotOptions {
   int press = 60;
   double offset = 0.25;
   std::vector<std::string> toolPens;  // TOOL=PEN
+  int tiles = 0;                    // strips along y, written one after the other (0: no tiles)
+  double tileGap = 5;               // millimetres between tiles
+  bool mill = false;                // a router job in depth passes (class 5 or 12)
 
   /// The media of `--media` without a key ("" if none) and those with one.
   std::string defaultMedia;

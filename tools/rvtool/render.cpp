@@ -5,23 +5,50 @@
 // job, and the travel between them is what the pen does with the pen up.
 #include <CLI/CLI.hpp>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "commands.h"
 #include "drawing.h"
+#include "failure.h"
+#include "milling_job.h"
 #include "picture.h"
 
 namespace rvtool {
+namespace {
+
+/// A milling job names its first depth in the condition block at its start.
+constexpr std::size_t kMillingJobHead = 65536;
+
+}  // namespace
 
 int RunRender(const RenderOptions& options, std::ostream& out) {
   PictureTypeOf(options.output);  // refuse a bad name before any work
-  const Document document = ImportAndActivate("render", options.file, options.unit);
-  const Scene scene = SceneOfActiveDocument();
   PictureOptions picture;
   picture.title = options.file;
   picture.pixelWidth = options.pixelWidth;
   picture.travel = options.travel;
   picture.starts = options.starts;
+  std::ifstream in(options.file, std::ios::binary);
+  std::string head(kMillingJobHead, '\0');
+  in.read(head.data(), static_cast<std::streamsize>(head.size()));
+  head.resize(static_cast<std::size_t>(in.gcount()));
+  if (IsMillingJob(head)) {
+    // A router job: each depth in a colour of its own.
+    in.clear();
+    in.seekg(0);
+    const std::string job((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    int depths = 0;
+    const Scene scene = SceneOfMillingJob(job, options.unit, depths);
+    WritePicture(scene, options.output, picture);
+    out << "picture: " << options.output << " (" << scene.strokes.size() << " cuts at " << depths
+        << (depths == 1 ? " depth, " : " depths, ") << scene.bounds.width() << " x " << scene.bounds.height()
+        << " mm)\n";
+    return 0;
+  }
+  const Document document = ImportAndActivate("render", options.file, options.unit);
+  const Scene scene = SceneOfActiveDocument();
   WritePicture(scene, options.output, picture);
   out << "picture: " << options.output << " (" << scene.strokes.size() << " cuts, "
       << scene.bounds.width() << " x " << scene.bounds.height() << " mm)\n";
@@ -36,7 +63,9 @@ Subcommand AddRenderCommand(CLI::App& app) {
       "origin to the first cut and between cuts), the start of each cut in red and the\n"
       "bounding box of the cuts dotted. Start marks and travel lines get thinner where the\n"
       "cuts stand dense, so that they never hide the drawing. A job of the HP-GL or single-letter dialects is read\n"
-      "back as the plot file that it is, so the cuts stand in the order of the job.");
+      "back as the plot file that it is, so the cuts stand in the order of the job. A milling\n"
+      "job (one with depth words, JZ) shows each depth in a colour of its own, in the order\n"
+      "in which the job first goes to it, so the passes and the joints stand apart.");
   command->add_option("FILE", options->file, "Plot file or job to draw")->required();
   command->add_option("-o,--output", options->output, "Picture to write, .svg or .png")->required();
   command->add_option("--unit", options->unit,
