@@ -79,7 +79,8 @@ namespace rv {
 // same value would break the table of meanings).
 
 /// Path generation: clipper adaptor, hatching, contour and their order.
-#define RV_ERROR_CODES_GENERATE(X)
+#define RV_ERROR_CODES_GENERATE(X)                                                                              \
+  X(kErrHatchTooManyPieces, 0x08005001u, "a hatching mesh or region set has more pieces than 16-bit marks can tell apart")
 /// Router output: tiles, milling, micro joints.
 #define RV_ERROR_CODES_ROUTER(X)
 /// CL jobs: CL import, router, CL milling export, cut preview.
