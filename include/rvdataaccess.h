@@ -1005,8 +1005,32 @@ typedef struct RVHATCHINGINFO {
   double meshHeight;           /**< row height of the mesh (0) */
   double boxMarginX;           /**< margin in x when region boxes are merged (0) */
   double boxMarginY;           /**< margin in y when region boxes are merged (0) */
-  char logFolder[1024];        /**< folder of the order log; empty: no log */
+  char logFolder[1024];        /**< folder of the order log; empty: no log. The two
+                                    log files "HatchingLogFile.txt" and
+                                    "HatchingLogFile2.txt" are joined to the folder
+                                    with "/" (so the folder needs no closing
+                                    separator); a joined name longer than 1023
+                                    characters, or a folder that can't be written,
+                                    means no log, and is no failure of the hatching */
 } RVHATCHINGINFO;
+
+/** Order of the hatch lines. RvCreateHatching tries three order rules on the
+ *  clipped lines (5: a two-column mesh in each region, 4: rows of each region
+ *  from its nearest corner, 6: a mesh split at the shapes' tangent lines in
+ *  each region), measures for each the pen-up travel between lines and keeps
+ *  the cheapest; a tie keeps the earlier rule. Regions are the boxes of the
+ *  offset shapes, merged where they lie within boxMarginX/boxMarginY of each
+ *  other, so that the head finishes one island before it goes to the next.
+ *  - Lines with equal keys in the order's sorts keep the order they had: every
+ *    sort is stable, so in the end the clipper's order decides among them.
+ *  - The log: each ordering appends one record to one of the two files; they
+ *    take turns at 100000 bytes, and a full file is deleted once the other is
+ *    more than half full.
+ *  - Library extension: a mesh or a region set of more than 65534 pieces
+ *    (which the 16-bit marks of RVHATCHLINE can't tell apart) ends the rule
+ *    that needs it; that rule then isn't chosen, and if it was the chosen one
+ *    the lines keep the clipper's order. The sweep for the tangent lines stops
+ *    after 1 km of a region's width. */
 
 /** Parameters of RvCreateContour: the fields of RVHATCHINGINFO and one more.
  *  Contour reads angle, offset, matrix and includeOpenPaths. */
