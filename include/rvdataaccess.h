@@ -1121,7 +1121,9 @@ RV_API uint32_t RvInitializeContourInfo(RVCONTOURINFO* info);
  *  are copied into "Rivlen_ContourPathLayer" of document *document,
  *  innermost first (a compound with its smallest path first), followed by
  *  the corner lines (key "RivlenContourLine", black stroke "ContourColor").
- *  The copies get no RefMap entry. An empty or missing work layer makes no
+ *  The copies get no RefMap entry. Paths are taken as they run: a hole
+ *  must run against its outline, or the two merge into the outline. An
+ *  empty or missing work layer makes no
  *  echo and an empty "Rivlen_ContourPathLayer": code 0. A failure while an
  *  echo is made ends the echoes; the ones made are still copied and then the
  *  code is returned. angle and matrix don't move the result; a singular
