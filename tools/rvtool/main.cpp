@@ -4,22 +4,30 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <vector>
 
 #include "commands.h"
 #include "failure.h"
-#include "plot_options.h"
 #include "progress.h"
 #include "rvdataaccess.h"
 
 namespace {
 
 constexpr const char* kExitStatusHelp =
-    "Exit status: 0 success; 64 a bad command line; 73 a picture that can't be\n"
-    "written; 130 Ctrl-C outside a step that the library can cancel. A failure\n"
-    "of the library exits with the module number of its code (1 file, 2 store,\n"
-    "3 document, 5 path, 6 art: also a cancelled export, 7 file content,\n"
-    "8 matrix, 9 selection, 10 sort: also a cancelled sort), the XML codes\n"
-    "11 to 15 as they are, 16 for code 65535 and 17 for any other code.";
+    "Exit status:\n"
+    "  0        success\n"
+    "  1        a file can't be opened, read or written (also a folder given as a file)\n"
+    "  2 to 10  a failure of the library, by the module of its code: 2 store, 3 document,\n"
+    "           5 path, 6 art (also a cancelled export), 7 file content, 8 matrix,\n"
+    "           9 selection, 10 sort (also a cancelled sort)\n"
+    "  11 to 15 the XML codes of the library as they are\n"
+    "  16       the library's code 65535 (an XML operation failed)\n"
+    "  17       any other code of the library\n"
+    "  64       a bad command line\n"
+    "  65       the input is empty or draws nothing, or nothing was made\n"
+    "  70       an internal failure (out of memory)\n"
+    "  73       a picture or file of the tool can't be written\n"
+    "  130      Ctrl-C outside a step that the library can cancel";
 
 std::string VersionText() {
   int16_t major = 0, minor = 0, revision = 0;
@@ -30,43 +38,20 @@ std::string VersionText() {
 
 }  // namespace
 
+// The subcommands, in the order of `rvtool --help`. A new subcommand is one
+// row here and a file with its Add…Command and Run….
+constexpr rvtool::SubcommandMaker kSubcommands[] = {
+    rvtool::AddInfoCommand,
+    rvtool::AddPlotSubcommand,
+    rvtool::AddRenderCommand,
+};
+
 int main(int argc, char** argv) {
   CLI::App app{"rvtool: plot files in, plot jobs (RVL) and pictures out, through librvdataaccess."};
   app.require_subcommand(1);
   app.set_version_flag("--version", VersionText());
-
-  rvtool::InfoOptions info;
-  CLI::App* infoCommand =
-      app.add_subcommand("info", "Import a plot file and print its layers, paths, points and bounds.");
-  infoCommand->add_option("FILE", info.file, "Plot file to read")->required();
-  infoCommand->add_option("--unit", info.unit, "Millimetres per unit of the file")
-      ->default_val(rvtool::kPlotterStep)
-      ->check(CLI::PositiveNumber);
-
-  rvtool::PlotOptions plot;
-  CLI::App* plotCommand = rvtool::AddPlotCommand(app, plot);
-
-  rvtool::RenderOptions render;
-  CLI::App* renderCommand =
-      app.add_subcommand("render", "Draw a plot file or a written job as SVG or PNG.");
-  renderCommand->footer(
-      "The picture shows the cuts in black, the pen-up travel dashed in light blue (from the\n"
-      "origin to the first cut and between cuts), the start of each cut in red and the\n"
-      "bounding box of the cuts dotted. A job of the HP-GL or single-letter dialects is read\n"
-      "back as the plot file that it is, so the cuts stand in the order of the job.");
-  renderCommand->add_option("FILE", render.file, "Plot file or job to draw")->required();
-  renderCommand->add_option("-o,--output", render.output, "Picture to write, .svg or .png")
-      ->required();
-  renderCommand->add_option("--unit", render.unit,
-                            "Millimetres per unit of the file (of a job: the --unit it was written with)")
-      ->default_val(rvtool::kPlotterStep)
-      ->check(CLI::PositiveNumber);
-  renderCommand->add_option("--width", render.pixelWidth, "Width of a PNG in pixels")
-      ->default_val(1200)
-      ->check(CLI::Range(16, 16384));
-  bool noTravel = false;
-  renderCommand->add_flag("--no-travel", noTravel, "Leave out the pen-up travel");
-
+  std::vector<rvtool::Subcommand> subcommands;
+  for (rvtool::SubcommandMaker make : kSubcommands) subcommands.push_back(make(app));
   app.footer(kExitStatusHelp);
 
   try {
@@ -77,16 +62,12 @@ int main(int argc, char** argv) {
                  e.what());
     return rvtool::kUsageStatus;
   }
-  render.travel = !noTravel;
 
   rvtool::InstallInterruptHandler();
   try {
-    if (infoCommand->parsed()) return rvtool::RunInfo(info, std::cout);
-    if (plotCommand->parsed()) {
-      rvtool::FinishPlotOptions(plot);
-      return rvtool::RunPlot(plot, std::cout);
+    for (const rvtool::Subcommand& subcommand : subcommands) {
+      if (subcommand.command->parsed()) return subcommand.run(std::cout);
     }
-    if (renderCommand->parsed()) return rvtool::RunRender(render, std::cout);
   } catch (const rvtool::Failure& failure) {
     std::cout.flush();
     std::fprintf(stderr, "rvtool: %s\n", failure.what());
@@ -96,7 +77,7 @@ int main(int argc, char** argv) {
     // index out of range, out of memory).
     std::cout.flush();
     std::fprintf(stderr, "rvtool: internal failure: %s\n", e.what());
-    return 70;
+    return rvtool::kInternalStatus;
   }
   return 0;
 }
