@@ -1155,7 +1155,10 @@ RV_API uint32_t RvInitializeContourInfo(RVCONTOURINFO* info);
  *  Left to the implementer, chosen here: an offset of 0 or more is refused
  *  (0x08004501) and so is a run of more than 100000 echoes (0x08004601),
  *  both before anything changes; corner lines are looked for on every
- *  path of an echo layer, in compounds too. */
+ *  path of an echo layer, in compounds too; a corner whose bisector meets
+ *  no path of the next outer echo within the reach makes no line (and
+ *  takes no part in merging). Where the bisector meets several paths, the
+ *  last one met in layer order gives the line's end, not the nearest. */
 RV_API uint32_t RvCreateContour(int16_t* document, const RVCONTOURINFO* info);
 
 /* ======================================================================

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <string>
 
 #include "frame/error_codes.h"
@@ -30,6 +31,10 @@ constexpr double kTwoPi = 6.283185307179586;
 constexpr double kSharpLimit = 90.0;
 
 CRvDataAccess& Store() { return CRvDataAccess::Instance(); }
+
+/// The target of a corner until its bisector meets the next outer echo.
+constexpr RVPOINT kUnsetTarget{std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};
+bool HasTarget(const RVCONTOURCORNER& record) { return !std::isnan(record.target.x); }
 
 std::string LevelLayerName(int32_t level) { return "TempContourLayer" + std::to_string(level); }
 std::string LevelKey(int32_t level) { return "RivlenContourOffset" + std::to_string(level); }
@@ -191,6 +196,7 @@ void CRvContour::ScanCorners(CRvArt* bezier, int16_t level) {
       const double bisector = std::atan2(previous.y - cur.anchor.y, previous.x - cur.anchor.x) + a / 2.0;
       RVCONTOURCORNER record;
       record.corner = cur.anchor;
+      record.target = kUnsetTarget;
       record.level = level;
       record.angle = bisector * 180.0 / kPiSingle;
       m_corners.push_back(record);
@@ -235,7 +241,7 @@ void CRvContour::MergeCorners() {
   int16_t deepest = 1;
   for (const RVCONTOURCORNER& record : m_corners) deepest = std::max(deepest, record.level);
   for (std::size_t i = 0; i < m_corners.size(); ++i) {
-    if (m_corners[i].level >= deepest) continue;
+    if (m_corners[i].level >= deepest || !HasTarget(m_corners[i])) continue;
     for (std::size_t j = i + 1; j < m_corners.size(); ++j) {
       if (Distance(m_corners[i].corner, m_corners[j].target) < kMergeDistance &&
           m_corners[i].angle - m_corners[j].angle < kMergeAngle) {
@@ -300,6 +306,7 @@ void CRvContour::MakeCornerLines(CRvArt* layer, const RunPlotInfo& plot) {
   const int16_t map = HatchingPlotMap();
   for (const RVCONTOURCORNER& record : m_lineList) {
     if (SamePoint(record.corner, record.target) && record.corner.x == 0.0) continue;
+    if (!HasTarget(record)) continue;  // the bisector met no outer echo
     CRvArt* path = store.CreateArt(kArtPath, kPositionLastChild, layer);
     CRvArt* bezier = store.CreateArt(kArtBezier, kPositionLastChild, path);
     for (const RVPOINT end : {record.corner, record.target}) {

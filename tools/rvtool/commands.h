@@ -38,6 +38,7 @@ struct RenderOptions {
   double unit = kPlotterStep;
   int pixelWidth = 1200;
   bool travel = true;
+  bool starts = true;
 };
 
 /// `rvtool info`: imports the file and prints the document.
@@ -49,6 +50,9 @@ int RunRender(const RenderOptions& options, std::ostream& out);
 Subcommand AddInfoCommand(CLI::App& app);
 Subcommand AddPlotSubcommand(CLI::App& app);
 Subcommand AddRenderCommand(CLI::App& app);
+/// The subcommands `hatch` and `contour` (generate.cpp).
+Subcommand AddHatchCommand(CLI::App& app);
+Subcommand AddContourCommand(CLI::App& app);
 
 /// The report of `info` for the active document; `title` heads it.
 void DescribeActiveDocument(const std::string& title, std::ostream& out);
