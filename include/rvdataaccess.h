@@ -1130,6 +1130,14 @@ RV_API uint32_t RvInitializeHatchingInfo(RVHATCHINGINFO* info);
  *  Returns 0, 1 (nothing made, see above) or a code. */
 RV_API uint32_t RvCreateHatching(int16_t* document, const RVHATCHINGINFO* info);
 
+/** Library extension. The pen-up travel of the last hatching's line order,
+ *  in millimetres of the turned work space: *chosen in the order applied,
+ *  *clipper in the order the clipping gave the lines, both measured as the
+ *  order rules measure (shifts and extensions on, from the head's start
+ *  corner). A run that orders no lines leaves the figures of the run before;
+ *  -1.0 before any ordering. 0x08004701 for a null pointer. */
+RV_API uint32_t RvGetHatchingTravel(double* chosen, double* clipper);
+
 /** Writes the defaults of RVHATCHINGINFO into the shared fields; cornerLines
  *  isn't touched. Returns 0; a null record is left alone. */
 RV_API uint32_t RvInitializeContourInfo(RVCONTOURINFO* info);

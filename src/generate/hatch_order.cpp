@@ -157,12 +157,15 @@ const char* RuleLogName(int16_t rule) {
 }
 
 void OrderLines(HatchWork& work) {
+  work.clipperTravel = work.chosenTravel = -1.0;
   if (!work.lines.empty()) {
+    work.clipperTravel = MeasureTravel(work, work.lines);
     work.sortDataSet.clear();
     for (int16_t rule : kTrialRules) RunRule(work, rule, false);
     work.bestRule = Cheapest(work.sortDataSet);
     const bool priced = !work.sortDataSet.empty() && work.sortDataSet[std::size_t(work.bestRule)].cost != -1.0;
     RunRule(work, priced ? work.sortDataSet[std::size_t(work.bestRule)].rule : int16_t(kRuleNoSort), true);
+    work.chosenTravel = MeasureTravel(work, work.lines);
     WriteHatchLog(work);
   }
   work.sortDataSet.clear();

@@ -10,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -199,6 +200,18 @@ long CountPaths(const char* layerName) {
   return count;
 }
 
+// The pen-up travel of the chosen line order against the clipper's order.
+void PrintTravel(std::ostream& out) {
+  double chosen = -1.0, clipper = -1.0;
+  CheckRead(RvGetHatchingTravel(&chosen, &clipper));
+  if (chosen < 0.0 || clipper < 0.0) return;
+  char line[200];
+  const double saved = clipper > 0.0 ? 100.0 * (clipper - chosen) / clipper : 0.0;
+  std::snprintf(line, sizeof line, "pen-up travel: %.1f mm in the chosen order, %.1f mm in the clipper's (%.1f %% saved)\n",
+                chosen, clipper, saved);
+  out << line;
+}
+
 void AddCommonOptions(CLI::App* command, GenerateOptions& o) {
   command->add_option("FILE", o.file, "Plot file whose closed paths are filled")->required();
   command->add_option("-o,--output", o.output, "Job to write (RVL, HP-GL)")->required();
@@ -249,6 +262,7 @@ static int RunHatch(HatchOptions& o, std::ostream& out) {
   out << "job: " << o.output << " (" << shapes << (shapes == 1 ? " shape, " : " shapes, ")
       << CountPaths("Rivlen_HatchingPathLayer") << " lines, " << CountPaths("Rivlen_HatchingFrameLayer")
       << " frame paths)\n";
+  PrintTravel(out);
   return 0;
 }
 
