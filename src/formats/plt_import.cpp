@@ -81,7 +81,7 @@ void CRvPLTImportData::AddArc(const RVARCPOINT& arc, int16_t lastPen, int16_t la
 }
 
 void CRvPLTImportData::FinishPath(int16_t lastKind, const PlotPathValues& values, bool endOfFile) {
-  if (m_currentPath == nullptr) Raise(1);  // the file draws nothing
+  if (m_currentPath == nullptr) Raise(kNothingMade);  // the file draws nothing
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = m_currentPath;
   const RVCOLOR black{nullptr, 1, {0, 0, 0, 0}};

@@ -14,6 +14,8 @@ namespace rv {
 /// X(name, value, words): one row per documented cause. The words are the
 /// one-line meaning for a user.
 #define RV_ERROR_CODES(X)                                                                                     \
+  /* ---- a result that is no failure of the library ---- */                                                  \
+  X(kNothingMade, 1u, "nothing to draw: the file draws nothing, or an offset left nothing to make")           \
   /* ---- 1 file ---- */                                                                                      \
   X(kErrFileOpen, 0x01000201u, "the file can't be opened")                                                    \
   X(kErrFileShort, 0x01000301u, "a read or write moved fewer bytes than asked for")                           \
@@ -79,7 +81,16 @@ namespace rv {
 // same value would break the table of meanings).
 
 /// Path generation: clipper adaptor, hatching, contour and their order.
-#define RV_ERROR_CODES_GENERATE(X)
+#define RV_ERROR_CODES_GENERATE(X)                                                                              \
+  X(kErrClipCoordinate, 0x08004001u, "a point or offset for clipping isn't finite or lies beyond 1000000 mm")  \
+  X(kErrClipFailed, 0x08004101u, "the clipping library refused the paths it was given")                      \
+  X(kErrGenerateNoMap, 0x08004201u, "the hatching plot table or the current RefMap table names no table")    \
+  X(kErrHatchPitch, 0x08004301u, "the hatching pitch isn't a positive finite number")                        \
+  X(kErrHatchTooManyLines, 0x08004401u, "the hatching would need more than 1000000 lines")                   \
+  X(kErrContourOffset, 0x08004501u, "the contour offset isn't a negative finite number")                     \
+  X(kErrContourTooManyLevels, 0x08004601u, "the contour would need more than 100000 echoes")                \
+  X(kErrGenerateArgument, 0x08004701u, "a generator was given a null document index or parameter record") \
+  X(kErrHatchTooManyPieces, 0x08005001u, "a hatching mesh or region set has more pieces than 16-bit marks can tell apart")
 /// Router output: tiles, milling, micro joints.
 #define RV_ERROR_CODES_ROUTER(X)
 /// CL jobs: CL import, router, CL milling export, cut preview.
@@ -107,6 +118,10 @@ namespace rv {
 #define RV_DEFINE_ERROR_CODE(name, value, words) inline constexpr uint32_t name = value;
 RV_ALL_ERROR_CODES(RV_DEFINE_ERROR_CODE)
 #undef RV_DEFINE_ERROR_CODE
+
+/// The generators' result when an offset left nothing (the same value as
+/// kNothingMade, by the name the generators use).
+inline constexpr uint32_t kGenerateNothingMade = kNothingMade;
 
 /// One row of the table: a code and its one-line meaning.
 struct ErrorCodeWords {

@@ -35,6 +35,10 @@ struct HatchWork {
   std::vector<RVHATCHLINE> meshLines;    ///< vertical lines, region index in firstMark
   std::vector<RVSORTDATA> sortDataSet;   ///< the rules tried, with their costs
   int32_t bestRule = 0;                  ///< index into sortDataSet
+  /// Pen-up travel of the last ordering, measured as the rules are: of the
+  /// lines as the clipper gave them and in the order applied (-1.0: none).
+  double clipperTravel = -1.0;
+  double chosenTravel = -1.0;
 };
 
 }  // namespace rv

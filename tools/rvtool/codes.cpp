@@ -9,13 +9,12 @@
 namespace rvtool {
 namespace {
 
-// The library's own table of codes and meanings, and the one result that
-// isn't a failure of the library but is one for the tool.
+// The library's own table of codes and meanings (its result 1, nothing to
+// draw, included).
 const std::vector<CodeWords>& Codes() {
   static const std::vector<CodeWords> codes = [] {
     std::vector<CodeWords> rows;
     for (const rv::ErrorCodeWords& row : rv::kErrorCodeTable) rows.push_back({row.code, row.words});
-    rows.push_back({1u, "the file draws nothing"});
     return rows;
   }();
   return codes;

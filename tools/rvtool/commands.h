@@ -55,6 +55,9 @@ int RunRender(const RenderOptions& options, std::ostream& out);
 Subcommand AddInfoCommand(CLI::App& app);
 Subcommand AddPlotSubcommand(CLI::App& app);
 Subcommand AddRenderCommand(CLI::App& app);
+/// The subcommands `hatch` and `contour` (generate.cpp).
+Subcommand AddHatchCommand(CLI::App& app);
+Subcommand AddContourCommand(CLI::App& app);
 
 /// `rvtool prefs show`: prints a preference file's values by section.
 int RunPrefsShow(const PrefsOptions& options, std::ostream& out);

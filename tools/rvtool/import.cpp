@@ -45,6 +45,9 @@ struct Importer {
 
 bool AnyHead(const FileHead&) { return true; }
 
+/// The library's result for a file that draws nothing.
+constexpr uint32_t kNothingDrawn = 1;
+
 // CMX drawings: a RIFF file of the form "CMX1".
 bool CmxHead(const FileHead& head) {
   return head.size >= 12 && std::memcmp(head.bytes, "RIFF", 4) == 0 && std::memcmp(head.bytes + 8, "CMX1", 4) == 0;
@@ -105,6 +108,8 @@ Document ImportDrawing(const std::string& path, double unitScale) {
     const uint32_t code = importer.import(path, unitScale, &index);
     // A failed import may leave its new document behind: it goes with `document`.
     Document document(index);
+    if (code == kNothingDrawn)
+      throw ToolFailure("import", path, "the file draws nothing (code 1)", kNoDrawingStatus);
     Check(code, "import", path);
     return document;
   }

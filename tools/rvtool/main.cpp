@@ -44,6 +44,8 @@ constexpr rvtool::SubcommandMaker kSubcommands[] = {
     rvtool::AddInfoCommand,
     rvtool::AddPlotSubcommand,
     rvtool::AddRenderCommand,
+    rvtool::AddHatchCommand,
+    rvtool::AddContourCommand,
     rvtool::AddPrefsCommand,
 };
 
