@@ -155,7 +155,7 @@ void CompleteArcChains(CRvArt* path) {
     std::optional<RVPOINT> next;
     for (std::size_t j = k + 1; j < components.size() && !next; ++j) next = FirstPoint(components[j]);
     for (std::size_t j = 0; j <= k && closed && !next; ++j) next = FirstPoint(components[j]);
-    std::vector<RVARCPOINT>& points = static_cast<CRvArc*>(components[k])->m_points;
+    auto& points = static_cast<CRvArc*>(components[k])->m_points;
     for (std::size_t i = 0; i < points.size(); ++i) {
       RVARCPOINT& p = points[i];
       const std::optional<RVPOINT> end = i + 1 < points.size() ? std::optional<RVPOINT>(points[i + 1].from) : next;
