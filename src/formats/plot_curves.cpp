@@ -151,6 +151,42 @@ void CRvPlotInterpreter::DoCI() {
 // Arcs through three points: AT, RT, ZC
 // ---------------------------------------------------------------------------
 
+bool CRvPlotInterpreter::ArcThroughThreePoints(ArcWork& w, const PlotPoint& p0, const PlotPoint& p1,
+                                               const PlotPoint& p2) {
+  const double x0 = p0.x, y0 = p0.y, x1 = p1.x, y1 = p1.y, x2 = p2.x, y2 = p2.y;
+  // The meeting of the perpendicular bisectors, relative to P0.
+  const double bx = x1 - x0, by = y1 - y0, qx = x2 - x0, qy = y2 - y0;
+  const double d = 2.0 * (bx * qy - by * qx);
+  const double b2 = bx * bx + by * by, q2 = qx * qx + qy * qy;
+  const double cx = x0 + Divide(qy * b2 - by * q2, d);
+  const double cy = y0 + Divide(bx * q2 - qx * b2, d);
+  const double r = std::hypot(x0 - cx, y0 - cy);
+  if (!(std::fabs(cx) <= kArcLimit) || !(std::fabs(cy) <= kArcLimit) || !(r <= kArcLimit) || r == 0.0) return false;
+  const double v0x = x0 - cx, v0y = y0 - cy, v1x = x1 - cx, v1y = y1 - cy, v2x = x2 - cx, v2y = y2 - cy;
+  const double a0 = AngleOf(v0x, v0y), a1 = AngleOf(v1x, v1y), a2 = AngleOf(v2x, v2y);
+  int direction;
+  if (Quadrant(v0x, v0y) == Quadrant(v1x, v1y)) {
+    // Inside one quadrant: the sense that leads from P0 to P1 there.
+    direction = (v0x * v1y - v0y * v1x) >= 0.0 ? 1 : -1;
+  } else {
+    // Otherwise the sense that meets P1 before P2.
+    const double toP1 = std::fmod(a1 - a0 + 360.0, 360.0);
+    const double toP2 = std::fmod(a2 - a0 + 360.0, 360.0);
+    direction = toP1 < toP2 ? 1 : -1;
+  }
+  w.centreX = cx;
+  w.centreY = cy;
+  w.radiusX = w.radiusY = r;
+  const Vec s = Unit(v0x, v0y), e = Unit(v2x, v2y);
+  w.startCos = s.c;
+  w.startSin = s.s;
+  w.endCos = e.c;
+  w.endSin = e.s;
+  w.direction = direction;
+  w.sweep = SweepToward(a2 - a0, direction);
+  return true;
+}
+
 void CRvPlotInterpreter::DoAT(int kind) {
   if (m_count < 4) return;
   const double* a = m_args;
@@ -185,41 +221,11 @@ void CRvPlotInterpreter::DoAT(int kind) {
     MoveTo(x0, y0);  // the points are in a line
     MoveTo(x2, y2);
   } else {
-    // The meeting of the perpendicular bisectors, relative to P0.
-    const double bx = x1 - x0, by = y1 - y0, qx = x2 - x0, qy = y2 - y0;
-    const double d = 2.0 * (bx * qy - by * qx);
-    const double b2 = bx * bx + by * by, q2 = qx * qx + qy * qy;
-    const double cx = x0 + Divide(qy * b2 - by * q2, d);
-    const double cy = y0 + Divide(bx * q2 - qx * b2, d);
-    const double r = std::hypot(x0 - cx, y0 - cy);
-    if (!(std::fabs(cx) <= kArcLimit) || !(std::fabs(cy) <= kArcLimit) || !(r <= kArcLimit) || r == 0.0) {
+    arc = ArcThroughThreePoints(w, {x0, y0}, {x1, y1}, {x2, y2});
+    if (!arc) {
       MoveTo(x0, y0);
       MoveTo(x1, y1);
       MoveTo(x2, y2);
-    } else {
-      const double v0x = x0 - cx, v0y = y0 - cy, v1x = x1 - cx, v1y = y1 - cy, v2x = x2 - cx, v2y = y2 - cy;
-      const double a0 = AngleOf(v0x, v0y), a1 = AngleOf(v1x, v1y), a2 = AngleOf(v2x, v2y);
-      int direction;
-      if (Quadrant(v0x, v0y) == Quadrant(v1x, v1y)) {
-        // Inside one quadrant: the sense that leads from P0 to P1 there.
-        direction = (v0x * v1y - v0y * v1x) >= 0.0 ? 1 : -1;
-      } else {
-        // Otherwise the sense that meets P1 before P2.
-        const double toP1 = std::fmod(a1 - a0 + 360.0, 360.0);
-        const double toP2 = std::fmod(a2 - a0 + 360.0, 360.0);
-        direction = toP1 < toP2 ? 1 : -1;
-      }
-      w.centreX = cx;
-      w.centreY = cy;
-      w.radiusX = w.radiusY = r;
-      const Vec s = Unit(v0x, v0y), e = Unit(v2x, v2y);
-      w.startCos = s.c;
-      w.startSin = s.s;
-      w.endCos = e.c;
-      w.endSin = e.s;
-      w.direction = direction;
-      w.sweep = SweepToward(a2 - a0, direction);
-      arc = true;
     }
   }
   if (arc) {
@@ -427,21 +433,12 @@ void CRvPlotInterpreter::Flatten() {
   ArcWork& w = m_arc;
   if (w.sweep == 0.0 || w.radiusX == 0.0 || w.radiusY == 0.0) return;
   if (!std::isfinite(w.sweep)) return;
-  double chord = std::fabs(w.chord);
-  const double sweep = std::fabs(w.sweep);
-  if (m_chordIsDeviation) {
-    const double r = w.radiusX;
-    chord = r > chord ? std::min(DeviationAngle(r, chord), 45.0) : 5.0;
-  }
 
   // A plain arc under scaling is worked out in plotter units.
-  double cx = w.centreX, cy = w.centreY, rx = w.radiusX, ry = w.radiusY;
+  ArcFrame f{w.centreX, w.centreY, w.radiusX, w.radiusY};
   bool unscale = false;
   if (m_scaling && !w.ellipse && !w.spiral) {
-    cx *= m_ratioX;
-    cy *= m_ratioY;
-    rx *= m_ratioX;
-    ry *= m_ratioY;
+    f = {f.cx * m_ratioX, f.cy * m_ratioY, f.rx * m_ratioX, f.ry * m_ratioY};
     m_curX *= m_ratioX;
     m_curY *= m_ratioY;
     m_scaling = false;
@@ -449,25 +446,39 @@ void CRvPlotInterpreter::Flatten() {
   }
 
   bool bands = false;
-  if (w.trueArc) {
-    if (m_ellipseMode == 1) {
-      chord = Divide(360.0, std::max(kFirmwarePi * (rx + ry) / m_ellipseValue, m_ellipseMinChords));
-    } else {
-      const double r = std::max(rx, ry);
-      const double e = m_ellipseMode == 2 ? m_ellipseValue : 0.0;
-      if (r > e) {
-        chord = DeviationAngle(r, e);
-        bands = w.ellipse;
-      } else {
-        chord = 5.0;
-      }
-    }
-  }
+  double chord = ChordAngle(f, bands);
   if (w.ellipse) {
     if (chord == 0.0) chord = 1.0;
-    if (bands && !(Divide(ry, rx) > 0.5) && FlattenEllipseBands(chord)) return;
+    if (bands && !(Divide(f.ry, f.rx) > 0.5) && FlattenEllipseBands(chord)) return;
   }
+  EmitChords(f, chord);
 
+  if (unscale) {
+    m_scaling = true;
+    m_curX = Divide(m_curX, m_ratioX);
+    m_curY = Divide(m_curY, m_ratioY);
+  }
+}
+
+double CRvPlotInterpreter::ChordAngle(const ArcFrame& f, bool& bands) const {
+  const ArcWork& w = m_arc;
+  double chord = std::fabs(w.chord);
+  if (m_chordIsDeviation) {
+    const double r = w.radiusX;
+    chord = r > chord ? std::min(DeviationAngle(r, chord), 45.0) : 5.0;
+  }
+  if (!w.trueArc) return chord;
+  if (m_ellipseMode == 1) return Divide(360.0, std::max(kFirmwarePi * (f.rx + f.ry) / m_ellipseValue, m_ellipseMinChords));
+  const double r = std::max(f.rx, f.ry);
+  const double e = m_ellipseMode == 2 ? m_ellipseValue : 0.0;
+  if (!(r > e)) return 5.0;
+  bands = w.ellipse;
+  return DeviationAngle(r, e);
+}
+
+void CRvPlotInterpreter::EmitChords(ArcFrame f, double chord) {
+  ArcWork& w = m_arc;
+  const double sweep = std::fabs(w.sweep);
   if (chord >= 180.0) {
     chord = 120.0;
   } else if (!(chord > 0.05)) {
@@ -490,7 +501,7 @@ void CRvPlotInterpreter::Flatten() {
   w.chord = chord;
   w.chordCount = int32_t(count);
 
-  const double grow = w.spiral ? (w.endRadius - rx) / count : 0.0;
+  const double grow = w.spiral ? (w.endRadius - f.rx) / count : 0.0;
   const double turn = Radians(w.direction == -1 ? -chord : chord);
   const double k = std::cos(turn), n = std::sin(turn);
   Vec v{w.startCos, w.startSin};
@@ -501,31 +512,62 @@ void CRvPlotInterpreter::Flatten() {
       continue;
     }
     v = {v.c * k - v.s * n, v.c * n + v.s * k};
-    rx += grow;
-    ry += grow;
-    MoveTo(cx + rx * v.c, cy + ry * v.s);
+    f.rx += grow;
+    f.ry += grow;
+    MoveTo(f.cx + f.rx * v.c, f.cy + f.ry * v.s);
   }
   PlotPoint end;
   if (w.ellipse) {
     end = EllipsePoint(0.0);
   } else if (w.spiral) {
-    end = {cx + w.endRadius * w.endCos, cy + w.endRadius * w.endSin};
+    end = {f.cx + w.endRadius * w.endCos, f.cy + w.endRadius * w.endSin};
   } else {
-    end = {cx + rx * w.endCos, cy + ry * w.endSin};
+    end = {f.cx + f.rx * w.endCos, f.cy + f.ry * w.endSin};
   }
   MoveTo(end.x, end.y);  // the last anchor stands twice
   MoveTo(end.x, end.y);
-
-  if (unscale) {
-    m_scaling = true;
-    m_curX = Divide(m_curX, m_ratioX);
-    m_curY = Divide(m_curY, m_ratioY);
-  }
 }
 
 // ---------------------------------------------------------------------------
 // Smooth curve: ZS and its step ZD; ellipse flattening ZW
 // ---------------------------------------------------------------------------
+
+/// The knots of a smooth curve: points L[0] to L[m - 1] (L[m] repeats the
+/// last), T[i] the chord length from L[0] to L[i].
+struct SmoothKnots {
+  std::array<PlotPoint, 131> L;
+  std::array<double, 132> T{};
+  int m = 0;
+};
+
+namespace {
+
+/// Second derivatives of the natural spline through the knots, for one
+/// coordinate.
+template <class Coord>
+void SolveSpline(const SmoothKnots& k, Coord coord, std::array<double, 132>& M) {
+  const auto& T = k.T;
+  const int m = k.m;
+  std::array<double, 132> B{}, D{};
+  auto v = [&](int i) { return coord(k.L[i]); };
+  const double h1 = T[2] - T[1];
+  B[1] = 2.0;
+  D[1] = 6.0 * (T[1] * (v(2) - v(1)) - h1 * (v(1) - v(0))) / (T[1] * T[2] * h1);
+  const double u = h1 / T[2];
+  for (int i = 2; i <= m - 2; ++i) {
+    const double hp = T[i] - T[i - 1], hi = T[i + 1] - T[i], span = T[i + 1] - T[i - 1];
+    const double g = hp / (span * B[i - 1]);
+    B[i] = 2.0 - u * g;
+    D[i] = 6.0 * (hp * (v(i + 1) - v(i)) - hi * (v(i) - v(i - 1))) / (hp * span * hi) - D[i - 1] * g;
+  }
+  M[m - 2] = D[m - 2] / B[m - 2];
+  for (int i = m - 3; i >= 1; --i) {
+    const double hi = T[i + 1] - T[i];
+    M[i] = (D[i] - hi * M[i + 1] / (T[i + 1] - T[i - 1])) / B[i];
+  }
+}
+
+}  // namespace
 
 void CRvPlotInterpreter::DoZS() {
   const int pairs = std::min(m_count / 2, 128);
@@ -544,121 +586,108 @@ void CRvPlotInterpreter::DoZS() {
   m_scaling = false;
 
   // The point list: lead-in, position, then the pairs, without repeats.
-  std::array<PlotPoint, 131> L;
+  SmoothKnots k;
   int size = 0;
-  L[size++] = P[0];
-  L[size++] = {m_curX, m_curY};
+  k.L[size++] = P[0];
+  k.L[size++] = {m_curX, m_curY};
   for (int i = 1; i <= n; ++i) {
-    const PlotPoint& b = L[size - 1];
-    if (P[i].x != b.x || P[i].y != b.y) L[size++] = P[i];
+    const PlotPoint& b = k.L[size - 1];
+    if (P[i].x != b.x || P[i].y != b.y) k.L[size++] = P[i];
   }
-  if (size >= 3 && L[0].x == L[1].x && L[0].y == L[1].y) {
-    L[0] = {L[1].x - (L[2].x - L[1].x), L[1].y - (L[2].y - L[1].y)};  // the second point mirrored
+  if (size >= 3 && k.L[0].x == k.L[1].x && k.L[0].y == k.L[1].y) {
+    k.L[0] = {k.L[1].x - (k.L[2].x - k.L[1].x), k.L[1].y - (k.L[2].y - k.L[1].y)};  // the second point mirrored
   }
-
-  const int m = size;
-  std::array<double, 132> T{};
-  bool polyline = m < 4;
+  k.m = size;
+  bool polyline = k.m < 4;
   if (!polyline) {
-    L[m] = L[m - 1];
-    for (int i = 1; i <= m; ++i) T[i] = T[i - 1] + std::hypot(L[i].x - L[i - 1].x, L[i].y - L[i - 1].y);
-    polyline = !std::isfinite(T[m]);
+    k.L[k.m] = k.L[k.m - 1];
+    for (int i = 1; i <= k.m; ++i) k.T[i] = k.T[i - 1] + std::hypot(k.L[i].x - k.L[i - 1].x, k.L[i].y - k.L[i - 1].y);
+    polyline = !std::isfinite(k.T[k.m]);
   }
   if (polyline) {
     for (int i = 1; i <= n; ++i) MoveTo(P[i].x, P[i].y);
   } else {
-    // Steps of the spans.
-    std::array<double, 132> step{};
-    int shortSpans = 0;
-    double estimate = 0.0;
-    for (int i = 1; i <= m; ++i) {
-      const double h = T[i] - T[i - 1];
-      double s;
-      if (m_curveMode == 2) {
-        s = h * m_curveStep;
-        if (s < 16.0) {
-          s = 16.0;
-          ++shortSpans;
-        }
-      } else if (m_curveMode == 1) {
-        s = m_curveStep;
-      } else {
-        // Without a step of its own the curve steps as if the step were 20
-        // plotter units: a sixteenth of the span, kept within 20 and 40.
-        const double base = m_curveStep > 0.0 ? m_curveStep : 20.0;
-        s = std::clamp(h / 16.0, base, 2.0 * base);
-      }
-      step[i] = s;
-      if (s > 0.0) estimate += h / s;
-    }
-    if (estimate > double(kMaxCurveMoves)) {
-      const double widen = estimate / double(kMaxCurveMoves);
-      for (int i = 1; i <= m; ++i) step[i] *= widen;
-    }
-    const bool fine = shortSpans >= 8;
-
-    // Second derivatives of the natural spline, for x and y.
-    std::array<double, 132> Mx{}, My{}, B{}, D{};
-    auto solve = [&](auto coord, std::array<double, 132>& M) {
-      auto v = [&](int i) { return coord(L[i]); };
-      const double h1 = T[2] - T[1];
-      B[1] = 2.0;
-      D[1] = 6.0 * (T[1] * (v(2) - v(1)) - h1 * (v(1) - v(0))) / (T[1] * T[2] * h1);
-      const double u = h1 / T[2];
-      for (int i = 2; i <= m - 2; ++i) {
-        const double hp = T[i] - T[i - 1], hi = T[i + 1] - T[i], span = T[i + 1] - T[i - 1];
-        const double g = hp / (span * B[i - 1]);
-        B[i] = 2.0 - u * g;
-        D[i] = 6.0 * (hp * (v(i + 1) - v(i)) - hi * (v(i) - v(i - 1))) / (hp * span * hi) - D[i - 1] * g;
-      }
-      M[m - 2] = D[m - 2] / B[m - 2];
-      for (int i = m - 3; i >= 1; --i) {
-        const double hi = T[i + 1] - T[i];
-        M[i] = (D[i] - hi * M[i + 1] / (T[i + 1] - T[i - 1])) / B[i];
-      }
-    };
-    solve([](const PlotPoint& p) { return p.x; }, Mx);
-    solve([](const PlotPoint& p) { return p.y; }, My);
-
-    auto pointAt = [&](int i, double t) {
-      const double h = T[i] - T[i - 1];
-      if (!(h > 0.0)) return L[i];
-      const double ea = T[i] - t, eb = t - T[i - 1];
-      auto f = [&](const std::array<double, 132>& M, double v0, double v1) {
-        return ((M[i - 1] / 6.0) * (ea * ea - h * h) + v0) * ea / h + ((M[i] / 6.0) * (eb * eb - h * h) + v1) * eb / h;
-      };
-      return PlotPoint{f(Mx, L[i - 1].x, L[i].x), f(My, L[i - 1].y, L[i].y)};
-    };
-
-    const double limit = T[m] - 10.0;
-    double t = T[1];
-    if (fine || T[1] > limit) t = T[1] + 10.0;
-    int i = 1;
-    bool entered = false;
-    int32_t moves = 0;
-    while (i <= m) {
-      if (t > T[i]) {
-        ++i;
-        entered = true;
-        continue;
-      }
-      if (t > limit) break;
-      const PlotPoint p = pointAt(i, t);
-      MoveTo(p.x, p.y);
-      // Entering a new span, the step is the mean of the new span's and the
-      // one before.
-      const double advance = entered ? (step[i] + step[i - 1]) / 2.0 : step[i];
-      entered = false;
-      const double next = t + advance;
-      if (!(next > t) || ++moves >= 2 * kMaxCurveMoves) break;  // no progress left
-      t = next;
-    }
-    MoveTo(L[m - 1].x, L[m - 1].y);
+    DrawSmoothKnots(k);
   }
   m_scaling = scaling;
   m_curX = last.x;
   m_curY = last.y;
   m_penDown = pen;
+}
+
+bool CRvPlotInterpreter::SmoothSteps(const SmoothKnots& k, std::array<double, 132>& step) const {
+  int shortSpans = 0;
+  double estimate = 0.0;
+  for (int i = 1; i <= k.m; ++i) {
+    const double h = k.T[i] - k.T[i - 1];
+    double s;
+    if (m_curveMode == 2) {
+      s = h * m_curveStep;
+      if (s < 16.0) {
+        s = 16.0;
+        ++shortSpans;
+      }
+    } else if (m_curveMode == 1) {
+      s = m_curveStep;
+    } else {
+      // Without a step of its own the curve steps as if the step were 20
+      // plotter units: a sixteenth of the span, kept within 20 and 40.
+      const double base = m_curveStep > 0.0 ? m_curveStep : 20.0;
+      s = std::clamp(h / 16.0, base, 2.0 * base);
+    }
+    step[i] = s;
+    if (s > 0.0) estimate += h / s;
+  }
+  if (estimate > double(kMaxCurveMoves)) {
+    const double widen = estimate / double(kMaxCurveMoves);
+    for (int i = 1; i <= k.m; ++i) step[i] *= widen;
+  }
+  return shortSpans >= 8;
+}
+
+void CRvPlotInterpreter::DrawSmoothKnots(const SmoothKnots& k) {
+  const auto& T = k.T;
+  const int m = k.m;
+  std::array<double, 132> step{};
+  const bool fine = SmoothSteps(k, step);
+  std::array<double, 132> Mx{}, My{};
+  SolveSpline(k, [](const PlotPoint& p) { return p.x; }, Mx);
+  SolveSpline(k, [](const PlotPoint& p) { return p.y; }, My);
+
+  auto pointAt = [&](int i, double t) {
+    const double h = T[i] - T[i - 1];
+    if (!(h > 0.0)) return k.L[i];
+    const double ea = T[i] - t, eb = t - T[i - 1];
+    auto f = [&](const std::array<double, 132>& M, double v0, double v1) {
+      return ((M[i - 1] / 6.0) * (ea * ea - h * h) + v0) * ea / h + ((M[i] / 6.0) * (eb * eb - h * h) + v1) * eb / h;
+    };
+    return PlotPoint{f(Mx, k.L[i - 1].x, k.L[i].x), f(My, k.L[i - 1].y, k.L[i].y)};
+  };
+
+  const double limit = T[m] - 10.0;
+  double t = T[1];
+  if (fine || T[1] > limit) t = T[1] + 10.0;
+  int i = 1;
+  bool entered = false;
+  int32_t moves = 0;
+  while (i <= m) {
+    if (t > T[i]) {
+      ++i;
+      entered = true;
+      continue;
+    }
+    if (t > limit) break;
+    const PlotPoint p = pointAt(i, t);
+    MoveTo(p.x, p.y);
+    // Entering a new span, the step is the mean of the new span's and the
+    // one before.
+    const double advance = entered ? (step[i] + step[i - 1]) / 2.0 : step[i];
+    entered = false;
+    const double next = t + advance;
+    if (!(next > t) || ++moves >= 2 * kMaxCurveMoves) break;  // no progress left
+    t = next;
+  }
+  MoveTo(k.L[m - 1].x, k.L[m - 1].y);
 }
 
 void CRvPlotInterpreter::DoZD() {

@@ -15,6 +15,7 @@
 // one import reaches the next.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -57,6 +58,8 @@ enum PlotDialect : uint8_t {
 /// file is widened so that the curve fits; this keeps a tiny file from
 /// producing an unbounded drawing.
 constexpr int32_t kMaxCurveMoves = 16384;
+
+struct SmoothKnots;
 
 class CRvPlotInterpreter {
  public:
@@ -161,16 +164,33 @@ class CRvPlotInterpreter {
   void DoAA(bool relative);
   void DoCI();
   void DoAT(int kind);  // 0 AT, 1 RT, 2 ZC
+  /// The arc from P0 through P1 to P2 into `w`; false when the circle lies
+  /// beyond the plotter's range or has no radius.
+  static bool ArcThroughThreePoints(ArcWork& w, const PlotPoint& p0, const PlotPoint& p1, const PlotPoint& p2);
   void DoEA(bool relative);
   void DoEW();
   void DoZE();
   void DoZS();
+  /// The steps along the spans of a smooth curve; true for a fine curve (many
+  /// short spans).
+  bool SmoothSteps(const SmoothKnots& knots, std::array<double, 132>& step) const;
+  /// Draws the natural spline through the knots of a smooth curve.
+  void DrawSmoothKnots(const SmoothKnots& knots);
   void DoZD();
   void DoZW();
   void DoW();
   void DoBracket();
   void DoStar();
+  /// Centre and radii of the arc under work, in the units it is drawn in.
+  struct ArcFrame {
+    double cx, cy, rx, ry;
+  };
   void Flatten();
+  /// The angle of one chord, in degrees; sets `bands` when an ellipse is
+  /// drawn in bands.
+  double ChordAngle(const ArcFrame& frame, bool& bands) const;
+  /// The chords of the arc under work, from its start to its end.
+  void EmitChords(ArcFrame frame, double chord);
   bool FlattenEllipseBands(double chord);
   PlotPoint EllipsePoint(double tDegrees) const;
   void SetArcTo(double x, double y);

@@ -22,7 +22,7 @@ constexpr double kTwoPi = 6.283185307179586;
 
 RVCURVEPOINT BezierRecord(const RVPOINT& anchor, const RVPOINT& in, const RVPOINT& out) {
   RVCURVEPOINT r{};
-  r.kind = 2;
+  r.kind = kRecordBezier;
   r.bezier.anchor = anchor;
   r.bezier.in = in;
   r.bezier.out = out;
@@ -138,7 +138,7 @@ Fit FitPiece(const FCurve& k, double scale, RVCURVEPOINT* arc) {
   if (!(0.001 * R > Length(C1.x - C2.x, C1.y - C2.y))) return Fit::kRefused;
 
   *arc = RVCURVEPOINT{};
-  arc->kind = 1;
+  arc->kind = kRecordArc;
   arc->arc.startX = P0.x / scale;
   arc->arc.startY = P0.y / scale;
   arc->arc.endX = P3.x / scale;
@@ -302,7 +302,7 @@ CurveList CRvConvertPt::CurvesToSpline(RVBEZIERPOINT* points, int32_t count, dou
   std::size_t i = 2;
   for (; i < n; i += 2) {
     RVCURVEPOINT r{};
-    r.kind = 3;
+    r.kind = kRecordSpline;
     if (i == 2) {
       r.spline[0] = scaled(q[0]);
       r.spline[1] = scaled(q[1]);

@@ -22,6 +22,14 @@ namespace rv {
 // kMaxFlattenPoints, or an arc fit makes no progress). Both are in
 // frame/error_codes.h.
 
+/// The kinds of RVCURVEPOINT records.
+enum CurveRecordKind : int16_t {
+  kRecordPoint = 0,   ///< a point of a polyline
+  kRecordArc = 1,     ///< an arc
+  kRecordBezier = 2,  ///< a Bezier point with its handles
+  kRecordSpline = 3,  ///< a spline triple
+};
+
 /// Most points that the flattening of one curve may produce. At the 0.01 grid
 /// this is a curve of about 10 km; only coordinates far outside any drawing
 /// (or a maxLength of 0 on such a curve) get there.
@@ -93,7 +101,7 @@ double PolylineLength(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double max
 /// A kind 0 record.
 inline RVCURVEPOINT PointRecord(const RVPOINT& p) {
   RVCURVEPOINT r{};
-  r.kind = 0;
+  r.kind = kRecordPoint;
   r.point = p;
   return r;
 }

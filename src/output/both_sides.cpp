@@ -6,12 +6,14 @@
 #include <cmath>
 #include <cstring>
 #include <string>
+#include <numbers>
 
 #include "conditions/cut_cdn_mng.h"
 #include "frame/frame.h"
 #include "geometry/convert_pt.h"
 #include "geometry/judge.h"
 #include "model/data_access.h"
+#include "output/placement.h"
 #include "output/rvl_format.h"
 
 namespace rv {
@@ -48,7 +50,7 @@ void MarkCorners(CRvBezier& c, const RVRIFMATRIX& placement, const DivideCutReco
     const RVBEZIERPOINT pn = Mapped(c.GetPoint(nx), placement);
     const RVBEZIERPOINT pp = Mapped(c.GetPoint(pv), placement);
     run += CurveLength(pp, pi);
-    const double deg = (CRvConvertPt::AngleOfBezier(pi, pp, pn) - 3.141592653589793) * 180.0 / 3.1415927410125732;
+    const double deg = (CRvConvertPt::AngleOfBezier(pi, pp, pn) - std::numbers::pi) * 180.0 / kHalfTurn;  // degrees by the single-precision half turn
     if (run >= dc.minLength && run > dc.jointLength && IsBothSidesCutLine(deg, dc.limitAngle, inside, clockwise)) {
       c.OrPointFlag(i, kFlagBothSidesCorner);
     }
@@ -167,9 +169,9 @@ class PieceMaker {
       : m_store(CRvDataAccess::Instance()), m_art(art), m_inToOut(inToOut), m_pieces(pieces) {}
 
   void Make() {
-    m_path = m_store.CreateArt(kArtPath, 2, m_art);
+    m_path = m_store.CreateArt(kArtPath, kBehind, m_art);
     m_store.SetPathClosed(m_path, 0);
-    m_bezier = static_cast<CRvBezier*>(m_store.CreateArt(kArtBezier, 5, m_path));
+    m_bezier = static_cast<CRvBezier*>(m_store.CreateArt(kArtBezier, kLastChild, m_path));
   }
   void Append(const RVBEZIERPOINT& p) { m_bezier->AddPoint(p); }
   void AppendExchanged(RVBEZIERPOINT p) {

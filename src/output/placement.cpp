@@ -100,11 +100,11 @@ void ConcatJobOffsets(RVRIFMATRIX& m, const RVPLOTPARAM& param, const RVRECT& re
 
 void ConcatPlacementTransform(RVRIFMATRIX& m, const RVPLOTPARAM& param, const RVRECT& rect) {
   if (param.usePlacementTransform == 0) return;
-  if (param.plotterClass == 10) {
+  if (param.plotterClass == plotter::kHatchingMachine) {
     ConcatScale(m, param.placementScaleX, param.placementScaleY);
     ConcatRotate(m, param.placementRotation);
     ConcatTranslate(m, param.placementOffsetX, param.placementOffsetY);
-  } else if (param.plotterClass == 8) {
+  } else if (param.plotterClass == plotter::kPlacementRotatedAtTop) {
     const double d = rect.bottom - rect.top;
     ConcatTranslate(m, 0.0, d);
     ConcatRotate(m, -param.placementRotation);

@@ -21,6 +21,11 @@ static_assert(kThreeQuarterTurn == double(float(4.71238898038469)));
 /// The sets of plotter classes that steer the output. A class outside 0 to
 /// 12 belongs to none of them.
 namespace plotter {
+/// The classes with a placement transform of their own, and the class of
+/// hatching machines, whose unsorted route writes frames and lines only.
+constexpr uint16_t kPlacementRotatedAtTop = 8;
+constexpr uint16_t kHatchingMachine = 10;
+inline bool BlockSorts(uint16_t c) { return c == 0; }
 inline bool IsMilling(uint16_t c) { return c == 5 || c == 12; }
 inline bool SkipsBothSides(uint16_t c) { return c == 8 || c == 9 || c == 10; }
 inline bool HonoursStartPoints(uint16_t c) { return c == 1 || c == 4 || c == 11; }

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstring>
 #include <memory>
+#include <numbers>
 
 #include "conditions/cut_cdn_mng.h"
 #include "formats/file_frame.h"
@@ -22,6 +23,14 @@
 namespace rv {
 
 namespace {
+
+/// The start-point pass compares angles with ten degrees (a flat corner) and
+/// one degree (a straight segment), both as single-precision values: ten
+/// degrees is the single-precision half turn over eighteen, one degree the
+/// single value nearest to it.
+constexpr double kTenDegreesSingle = 0.1745329350233078;
+constexpr double kOneDegreeSingle = 0.01745329238474369;
+static_assert(kOneDegreeSingle == double(float(0.017453292519943295)));
 
 CRvRVLFormat& FormatOf(void* context) { return *static_cast<CRvRVLFormat*>(context); }
 
@@ -117,7 +126,7 @@ void CRvRVLFormat::UnsortedRoute() {
     return;
   }
   auto cut = [&](CRvArt* art, void*) { return CuttingWriterThunk(this, art); };
-  if (cls == 10) {
+  if (cls == plotter::kHatchingMachine) {
     if (TableRange(maps.hatchingSIndex, maps.hatchingEIndex, from, to)) {
       for (int t = from; t <= to; ++t) {
         maps.MatchTrace(int16_t(t), kHatchingFrameKey, kRefMapOutput, true, cut);
@@ -126,7 +135,7 @@ void CRvRVLFormat::UnsortedRoute() {
     }
     return;
   }
-  if (cls != 0) {
+  if (!plotter::BlockSorts(cls)) {
     // The closed paths of the table. A group or compound stands in the
     // collected list once for each path below it, under its own handle: it
     // isn't a path, so it takes no part in the inside pass.
@@ -164,7 +173,7 @@ void CRvRVLFormat::SortedRoute() {
   RefMapStore& maps = RefMapStore::Instance();
   int from = 0, to = -1;
   if (m_param.sortPerCutOrder == 0) {
-    if (cls == 0) {
+    if (plotter::BlockSorts(cls)) {
       CRvBlockBubbleSort sort(m_placement, m_param);
       Check(sort.SortTable(m_progressContext, 1));
       WriteSorted(sort);
@@ -197,7 +206,7 @@ void CRvRVLFormat::SortedRoute() {
   int16_t order = 0;
   for (int32_t step = 0; step < steps && order != 2; ++step) {
     const uint32_t code = Guard([&] {
-      if (cls == 0) {
+      if (plotter::BlockSorts(cls)) {
         CRvBlockBubbleSort sort(m_placement, m_param);
         Check(sort.SortByOrder(m_progressContext, order, 1));
         WriteSorted(sort);
@@ -238,10 +247,10 @@ void CRvRVLFormat::StartPointPass(CRvArt* art) {
     const int32_t nx = c.GetNextIndex(i);
     const int32_t pv = c.GetPrevIndex(i);
     const RVBEZIERPOINT cur = mapped(i), nxt = mapped(nx), prv = mapped(pv);
-    if (std::fabs(CRvConvertPt::AngleOfBezier(cur, prv, nxt) - 3.141592653589793) < 0.1745329350233078) continue;
+    if (std::fabs(CRvConvertPt::AngleOfBezier(cur, prv, nxt) - std::numbers::pi) < kTenDegreesSingle) continue;
     const bool straight =
-        std::fabs(RvMiCalcAngleOfThreePoints(&cur.out, &cur.anchor, &nxt.anchor)) <= 0.01745329238474369 &&
-        std::fabs(RvMiCalcAngleOfThreePoints(&cur.anchor, &nxt.anchor, &nxt.in)) <= 0.01745329238474369;
+        std::fabs(RvMiCalcAngleOfThreePoints(&cur.out, &cur.anchor, &nxt.anchor)) <= kOneDegreeSingle &&
+        std::fabs(RvMiCalcAngleOfThreePoints(&cur.anchor, &nxt.anchor, &nxt.in)) <= kOneDegreeSingle;
     const double length = Distance(cur.anchor, nxt.anchor);
     bool take;
     if (!straightFound) {

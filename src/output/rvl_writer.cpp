@@ -48,12 +48,12 @@ void CRvRVLFormat::WriteCurveRecord(const RVCURVEPOINT& r, bool exchange) {
     second = exchange ? y : x;
   };
   m_record.clear();
-  if (r.kind == 0) {
+  if (r.kind == kRecordPoint) {
     double f, g;
     yx(r.point.x, r.point.y, f, g);
     const double unit = m_param.deviceUnit;
     AppendRow(m_record, m_vCut != 0 ? kRowVCutDraw : kRowDraw, {f / unit, g / unit});
-  } else if (r.kind == 1) {
+  } else if (r.kind == kRecordArc) {
     const RVCURVEARC& a = r.arc;
     double sf, sg, mf, mg, ef, eg, cf, cg;
     yx(a.startX, a.startY, sf, sg);
@@ -134,10 +134,10 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
       const RVCURVEPOINT& first = records[0];
       if (needMove != 0) {
         double x, y;
-        if (first.kind == 1) {
+        if (first.kind == kRecordArc) {
           x = first.arc.startX;
           y = first.arc.startY;
-        } else if (first.kind == 0) {
+        } else if (first.kind == kRecordPoint) {
           x = first.point.x;
           y = first.point.y;
         } else {
@@ -146,22 +146,22 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
         }
         if (exchange) std::swap(x, y);
         m_record.clear();
-        if (first.kind == 0) {
+        if (first.kind == kRecordPoint) {
           AppendRow(m_record, kRowMove, {y / unit, x / unit});
         } else {
           AppendRow(m_record, kRowMove, {y, x});
-          if (first.kind == 1) AppendRow(m_record, kRowPenDown, {});
+          if (first.kind == kRecordArc) AppendRow(m_record, kRowPenDown, {});
         }
         WriteBytes(m_record);
         needMove = 0;
       }
-      if (first.kind == 3) {
+      if (first.kind == kRecordSpline) {
         m_record.clear();
         AppendRow(m_record, kRowPenDown, {});
         WriteBytes(m_record);
       }
       for (std::size_t j = 0; j < records.size(); ++j) {
-        if (i != 0 && j == 0 && records[j].kind == 0) continue;  // the previous curve's end
+        if (i != 0 && j == 0 && records[j].kind == kRecordPoint) continue;  // the previous curve's end
         WriteCurveRecord(records[j], exchange);
       }
     }

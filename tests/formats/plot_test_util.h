@@ -11,9 +11,12 @@
 #include <string_view>
 #include <vector>
 
+#include "drawing_text.h"
 #include "formats/plot_interpreter.h"
 
 namespace rvtest {
+
+inline std::string Pt(double x, double y) { return PointText(x, y); }
 
 /// Under the sanitizers every byte costs some ten times more: the tests of
 /// huge inputs scale their volume by this.
@@ -22,15 +25,6 @@ constexpr long kHugeScale = 4;
 #else
 constexpr long kHugeScale = 1;
 #endif
-
-/// A number as the tables write it: ten significant digits, no "-0".
-inline std::string Num(double v) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%.10g", v + 0.0);
-  return buf;
-}
-
-inline std::string Pt(double x, double y) { return Num(x) + "," + Num(y); }
 
 /// An arc as text: "Afrom>to@centre:sweep" and '+' counter-clockwise, else '-'.
 inline std::string ArcText(const rv::PlotPoint& from, const rv::PlotPoint& to, const rv::PlotPoint& centre,

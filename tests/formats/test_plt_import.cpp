@@ -13,6 +13,7 @@
 #include <tuple>
 #include <vector>
 
+#include "drawing_text.h"
 #include "plot_test_util.h"
 #include "rvdataaccess.h"
 #include "test_support.h"
@@ -21,91 +22,27 @@ namespace {
 
 using rvtest::Pt;
 
-struct PathInfo {
-  std::string shape;  // the components as text, see ReadDrawing
-  int32_t closed = -1, points = 0;
-  RVRECT bounds{};
-  int16_t vcutElement = 0, vcutValue = 0;
-};
-
-struct Drawing {
+/// An import read back: the result, the document and its layer 0 as text.
+struct Drawing : rvtest::LayerReading {
   uint32_t code = 0;
   int16_t index = -1, layers = 0;
-  std::string layerName;
-  std::vector<PathInfo> paths;
-  RVRECT extent{-DBL_MAX, DBL_MAX, -DBL_MAX, DBL_MAX};  // union of the path bounds
-  int32_t points = 0;
-
-  /// Every path's shape, " closed" behind a closed one, " | " between two.
-  std::string Shapes() const {
-    std::string s;
-    for (const PathInfo& p : paths) s += (s.empty() ? "" : " | ") + p.shape + (p.closed == 1 ? " closed" : "");
-    return s;
-  }
 };
 
 /// Imports `path` into a new document, reads its layer 0 through the
-/// exported API, and deletes the document. A Bezier component reads
-/// "B(x,y ...)", with "{in;out}" behind an anchor whose handles lie
-/// elsewhere; an arc component "A(from>to@centre:sweep+ ...)", '-' for
-/// clockwise. Every path must be stroked black with flags 7.
+/// exported API, and deletes the document. Every path must be stroked black
+/// with flags 7.
 Drawing ImportFile(const std::string& path, double scale = 0.0) {
   Drawing d;
   d.code = RvImPLTToRIF(path.c_str(), 0, &d.index, &scale);
   RvGiGetLayerCount(&d.layers);
   void* layer = nullptr;
   EXPECT_EQ(RvGiGetLayer(&layer, 0), 0u);  // every import makes its layer
-  char name[256] = {};
-  RvGiGetLayerName(layer, name);
-  d.layerName = name;
-  void* art = nullptr;
-  for (RvGiGetArtFirstChild(layer, &art); art != nullptr; RvGiGetArtSibling(art, &art)) {
-    PathInfo p;
-    int16_t type = -1;
-    RvGiGetArtType(art, &type);
-    EXPECT_EQ(type, 4);
-    RvGiGetArtBounds(art, &p.bounds);
-    RvGiGetPathSegmentCount(art, &p.points);
-    d.points += p.points;
-    d.extent = {std::max(d.extent.top, p.bounds.top), std::min(d.extent.left, p.bounds.left),
-                std::max(d.extent.right, p.bounds.right), std::min(d.extent.bottom, p.bounds.bottom)};
-    RvGiGetPathClosed(art, &p.closed);
-    RvGiGetPathElementAtVCut(art, &p.vcutElement, &p.vcutValue);
-    uint8_t flags = 0;
-    RVCOLOR stroke{};
-    int32_t found = 0;
-    char strokeName[256] = {};
-    RvGiGetPathAttrFlag(art, &flags);
-    RvGiGetPathColor(2, art, &stroke, &found);
-    RvGiGetPathColorName(2, art, strokeName);
-    EXPECT_EQ(strokeName + (" found " + std::to_string(found)) + " kind " + std::to_string(stroke.kind) +
-                  " rgb " + std::to_string(stroke.c[0] + stroke.c[1] + stroke.c[2]) + " flags " + std::to_string(flags),
+  static_cast<rvtest::LayerReading&>(d) = rvtest::ReadLayer(layer);
+  for (const rvtest::PathReading& p : d.paths) {
+    EXPECT_EQ(p.strokeName + (" found " + std::to_string(p.strokeFound)) + " kind " + std::to_string(p.stroke.kind) +
+                  " rgb " + std::to_string(p.stroke.c[0] + p.stroke.c[1] + p.stroke.c[2]) + " flags " +
+                  std::to_string(p.flags),
               "Black found 1 kind 1 rgb 0 flags 7");
-    void* c = nullptr;
-    for (RvGiGetArtFirstChild(art, &c); c != nullptr; RvGiGetArtSibling(c, &c)) {
-      int16_t kind = -1;
-      int32_t n = 0;
-      RvGiGetArtType(c, &kind);
-      RvGiGetPathSegmentCount(c, &n);
-      std::string part = kind == 2 ? "B(" : kind == 5 ? "A(" : "?(";
-      for (int32_t i = 0; i < n; ++i) {
-        if (i > 0) part += " ";
-        if (kind == 2) {
-          RVBEZIERPOINT b;
-          RvGiGetBezierPoint(c, i, &b);
-          part += Pt(b.anchor.x, b.anchor.y);
-          const auto at = [&](const RVPOINT& h) { return h.x == b.anchor.x && h.y == b.anchor.y; };
-          if (!at(b.in) || !at(b.out)) part += "{" + Pt(b.in.x, b.in.y) + ";" + Pt(b.out.x, b.out.y) + "}";
-        } else if (kind == 5) {
-          RVARCPOINT a;
-          RvGiGetArcPoint(c, i, &a);
-          part += rvtest::ArcText({a.from.x, a.from.y}, {a.to.x, a.to.y}, {a.centre.x, a.centre.y}, a.sweep,
-                                  a.direction).substr(1);
-        }
-      }
-      p.shape += (p.shape.empty() ? "" : " ") + part + ")";
-    }
-    d.paths.push_back(p);
   }
   RvGiDeleteActiveDocument();
   return d;
@@ -167,7 +104,7 @@ TEST(PltImport, StrokesArcsAndTheClosingRule) {
     const Drawing d = ImportText(text, scale);
     EXPECT_EQ(d.code, shapes.empty() ? 1u : 0u);
     EXPECT_EQ(d.layers, 1);
-    EXPECT_EQ(d.layerName, "KFPlotFileLayer");
+    EXPECT_EQ(d.name, "KFPlotFileLayer");
     EXPECT_EQ(d.Shapes(), shapes);
   }
   // A circle's bounds reach beyond its end points.
@@ -179,7 +116,7 @@ TEST(PltImport, PathValuesAndNothingCarriesOver) {
   // makes them count for the paths that end after it, any other JT not.
   Drawing d = ImportText("VT3,4;JT17;PD;PA10,0;PU;PA0,0;JT3;PD;PA0,10;", 1.0);
   ASSERT_EQ(d.paths.size(), 2u);
-  const auto values = [](const PathInfo& p) { return Pt(p.vcutElement, p.vcutValue); };
+  const auto values = [](const rvtest::PathReading& p) { return Pt(p.vcutElement, p.vcutValue); };
   EXPECT_EQ(values(d.paths[0]) + " " + values(d.paths[1]), "3,4 -1,0");
   for (auto [text, expected] : {std::pair{"PD;PA10,0;", "-1,0"}, {"VT5,70000;JT27;PD;PA10,0;", "5,4464"},
                                 {"VT5,7;VT9;JT17;PD;PA10,0;", "5,7"}, {"VT5,7;JT17;JT;PD;PA10,0;", "-1,0"}}) {

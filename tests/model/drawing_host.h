@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing_text.h"
 #include "rvdataaccess.h"
 
 namespace drawtest {
@@ -54,14 +55,7 @@ inline std::string ColorName(int16_t use, void* art) {
 }
 inline V Rect(const RVRECT& r) { return {r.top, r.left, r.right, r.bottom}; }
 
-/// The children of `art`, walked with first child and siblings.
-inline Arts Children(void* art) {
-  Arts out;
-  for (void* child = Read(RvGiGetArtFirstChild, art); child != nullptr && out.size() < 100000; child = Sibling(child)) {
-    out.push_back(child);
-  }
-  return out;
-}
+using rvtest::Children;
 /// The same list walked backwards from the last child.
 inline Arts ChildrenBackwards(void* last) {
   Arts out;

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing_text.h"
 #include "export_fixture.h"
 #include "geometry/affine.h"
 #include "output/art_sort.h"
@@ -16,16 +17,7 @@ namespace {
 using rvtest::ExportTest;
 using rvtest::Param;
 
-std::vector<void*> Children(void* art) {
-  std::vector<void*> out;
-  void* child = nullptr;
-  EXPECT_EQ(RvGiGetArtFirstChild(art, &child), 0u);
-  while (child != nullptr) {
-    out.push_back(child);
-    EXPECT_EQ(RvGiGetArtSibling(out.back(), &child), 0u);
-  }
-  return out;
-}
+using rvtest::Children;
 
 // Class 1 writes x first and neither mirrors nor moves a drawing that starts
 // at (0,0): the plot file holds the drawing in device units of 0.025 mm, and

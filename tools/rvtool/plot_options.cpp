@@ -102,6 +102,12 @@ std::string DialectName(int dialect) {
   return std::to_string(dialect);
 }
 
+namespace {
+void AddConditionOptions(CLI::App* plot, PlotOptions& o);
+void AddPlacementOptions(CLI::App* plot, PlotOptions& o);
+void AddCuttingOptions(CLI::App* plot, PlotOptions& o);
+}  // namespace
+
 CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   CLI::App* plot = app.add_subcommand("plot", "Import a plot file and write a plot job (RVL).");
   plot->footer(
@@ -116,7 +122,16 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
       ->capture_default_str()
       ->check(CLI::PositiveNumber);
   plot->add_flag("--by-colour", o.byColour, "File the paths by stroke colour name, not by layer");
+  AddConditionOptions(plot, o);
+  AddPlacementOptions(plot, o);
+  AddCuttingOptions(plot, o);
+  return plot;
+}
 
+namespace {
+
+// Where the cut conditions come from and which media the paths get.
+void AddConditionOptions(CLI::App* plot, PlotOptions& o) {
   CLI::Option* conditions =
       plot->add_option("--conditions", o.conditions, "Condition file (XML) of the machine family");
   plot->add_option("--csv", o.csv, "Conditions as CSV lines: name,tool,speed,press,offset")
@@ -134,7 +149,10 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
                    "Media of the paths: NAME for all, KEY=NAME for the paths of one key (repeatable)")
       ->type_name("[KEY=]NAME")
       ->allow_extra_args(false);
+}
 
+// The dialect, the machine geometry and where the job stands.
+void AddPlacementOptions(CLI::App* plot, PlotOptions& o) {
   plot->add_option("--dialect", o.dialect, "Command dialect, by name or 0 to 6")
       ->transform(CLI::CheckedTransformer(kDialects, CLI::ignore_case).description(""))
       ->type_name(Join(kDialects))
@@ -161,6 +179,10 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   plot->add_flag("--frame", o.frame, "Plot a frame round the job and move the job inside it");
   AddPair(plot, "--frame-margin", o.frameMarginX, o.frameMarginY,
           "Margin between the job and its frame in millimetres (default 5)", true);
+}
+
+// The cut order, curves and the values where a condition gives none.
+void AddCuttingOptions(CLI::App* plot, PlotOptions& o) {
   plot->add_flag("--sort", o.sort, "Sort the paths into a cut order: inner shapes before outer ones");
   plot->add_flag("--sort-per-key", o.sortPerOrder, "With --sort: sort and write one key at a time");
   plot->add_option("--curves", o.curves, "How curves leave: lines, arcs or splines")
@@ -189,8 +211,9 @@ CLI::App* AddPlotCommand(CLI::App& app, PlotOptions& o) {
   plot->add_option("--tool-pen", o.toolPens, "Pen of a condition's tool: TOOL=PEN (repeatable, 40 at most)")
       ->type_name("TOOL=PEN")
       ->allow_extra_args(false);
-  return plot;
 }
+
+}  // namespace
 
 void FinishPlotOptions(PlotOptions& o) {
   for (const std::string& item : o.media) {
