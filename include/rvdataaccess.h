@@ -849,6 +849,82 @@ RV_API uint32_t RvGiCheckTombo(int16_t map);
  *  document stays, active); 0x01000401 when it can't be closed. */
 RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIndex, const double* unitScale);
 
+/* ITW layouts. An ITW file is a layout of text frames and graphics whose
+ * text is stored as characters placed in four-cornered cells; the import
+ * draws each character from a font. Everything lands in one new layer at the
+ * front of the document, with the default name that RvGiCreateLayer gives:
+ *  - a text frame becomes a group (last child of the layer) holding the
+ *    frame's outline (a closed path, attribute flags 1, stroked red "Frame":
+ *    the four corners, or for a bulged frame a ring sector of two straight
+ *    sides and two arc chains about one centre), its baselines when the frame
+ *    asks for them (open paths, attribute flags 21, stroked blue "Vertical
+ *    BaseLine" / "Horizontal BaseLine"), and one compound per character;
+ *  - a graphic record becomes a group whose bounds are the rectangle of its
+ *    first and third corners, with its baselines and one path (attribute
+ *    flags 7, stroked "R=%d,G=%d,B=%d" in its colour) of straight, arc and
+ *    spline runs;
+ *  - a character's paths have attribute flags 7 and are filled and stroked
+ *    in the character's colour, named "R=%d,G=%d,B=%d".
+ * The layer's bounds are those of its groups, widened by 1.0 on every side
+ * (an empty layer: top 1, left -1, right 1, bottom -1).
+ *
+ * Fonts. A character names a record of the file's font table:
+ *  - stroke fonts (kind 0) are looked up by code and sub-number in
+ *    userFontFolder + file + ".TBW" / ".DAW", then, for sub-number 0, by code
+ *    in the ".TBL" / ".DAT" of userFontFolder when the font's file name
+ *    contains "USER", else of fontFolder; in vertical writing some codes are
+ *    replaced by their vertical forms first. A character with a non-zero
+ *    sub-number that isn't found is drawn as a red cross ("Warning") over its
+ *    cell and makes the result 32;
+ *  - symbol fonts (any kind but 0 and 1) come from the ".TBL" / ".DAT" of
+ *    userFontFolder when the file name contains "KAMON3", else of fontFolder;
+ *  - installed fonts (kind 1) are outline fonts of this system, found by
+ *    family name through fontconfig (the name is Shift-JIS text; a leading
+ *    '@' asks for the vertical face) and read through FreeType. Character
+ *    codes are JIS codes, turned to Shift-JIS; codes below 128 stay and codes
+ *    30242 to 30589 go to the user-defined area. Each contour becomes a closed
+ *    path of straight pieces, quadratic pieces being sampled at eight points.
+ * Choices of this library:
+ *  - font index files are plain only when their path contains "USER" (a
+ *    ".TBL" also "KAMON"); other index files are stored scrambled through
+ *    substitution tables that this library doesn't hold, and such a font
+ *    counts as not found (its characters are skipped, or crossed as above);
+ *  - a font or font file name of 50 bytes or more in the font table refuses
+ *    the file with 0x07007001;
+ *  - a run of stroke data that lies outside its data file counts as not
+ *    found; stroke data that ends without its end mark ends where it ends;
+ *  - an installed font whose family isn't installed is replaced by the face
+ *    that fontconfig offers for it (preferring faces with Japanese glyphs); a
+ *    character that no face has a glyph for is skipped;
+ *  - a vertical face gives the glyph of the horizontal face turned a quarter
+ *    turn, which the import turns back: the character stands upright in its
+ *    cell. Vertical alternates (rotated brackets, moved punctuation) aren't
+ *    substituted;
+ *  - the multibyte code page of installed-font codes is always Shift-JIS;
+ *  - the arc components of this import are chains, in which a piece runs
+ *    from one point's `from` to the next point's (or to the first point of
+ *    the next component); every arc point also gets that end as its `to`
+ *    and the angle between as its `sweep` (Library extension), so that the
+ *    curve conversions draw the same pieces. */
+
+/** Imports the ITW file path. fontFolder and userFontFolder: the folders of
+ *  the font files, ending in a separator, for a font file name is joined to
+ *  them directly (null counts as empty). mode 0: into a new document, whose
+ *  index goes to *documentIndex (if not null); else into the document
+ *  *documentIndex, which becomes active (bad index or null pointer:
+ *  0x09001D01). *fileByte receives the byte at offset 77 of the file as soon
+ *  as the head has been read, also when the import fails later (a null
+ *  fileByte is allowed: Library extension). Results: 0; 32 when a character
+ *  was missing from its stroke font (see above; the import is complete);
+ *  0x01000201 when the file can't be opened (with mode 0 the new empty
+ *  document stays, active); 0x01000301 when a record runs past the end of
+ *  the file; 0x07001E01 for a wrong file mark ("IW") or font record mark;
+ *  0x07007001 for a font or file name of 50 bytes or more; 0x07001001 when an
+ *  art can't be made while a stroke character is drawn. Nothing read before
+ *  a failure is undone. */
+RV_API uint32_t RvImItwToRIF(const char* path, const char* fontFolder, const char* userFontFolder, int16_t mode,
+                             int16_t* documentIndex, int16_t* fileByte);
+
 /* ======================================================================
  * Plot output
  * ====================================================================== */
@@ -965,6 +1041,33 @@ RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPL
  *    "MicroJointLayer" aren't carried by this build: an export that reaches
  *    them returns 0x01001101. Without such a layer outputMicroJoints writes
  *    nothing. */
+
+/* Register marks set freely by the user arrive in any order; the machine
+ * reads them along a closed round. */
+
+/** The most points an RVTOMBOPOINTS record holds. */
+#define RV_TOMBO_MAX_POINTS 2500
+
+/** Register mark points, input and output of RvFreeTomboSort: count, then
+ *  count points (x, y) in millimetres. */
+typedef struct RVTOMBOPOINTS {
+  int32_t count;
+  RVPOINT points[RV_TOMBO_MAX_POINTS];
+} RVTOMBOPOINTS;
+
+/** Puts the points of input into the order in which they lie round their
+ *  common centre (the mean of the x and of the y), beginning with input's
+ *  first point, and writes them to output->points. The order is that of the
+ *  angle atan2(centre.x - x, centre.y - y), ascending; points of equal angle
+ *  have no defined order among themselves. Of two points equal to the first
+ *  one, the one that sorts first begins the list. output->count isn't
+ *  written: the caller sets it or keeps the input's. input and output may be
+ *  the same record. A first point that is not a number matches no point, and
+ *  the list then stays in angle order.
+ *  Library extension: a null input or output, or an input count outside 0 to
+ *  RV_TOMBO_MAX_POINTS, returns 0x0A002001 and writes nothing; a count of 0
+ *  writes nothing and returns 0. */
+RV_API uint32_t RvFreeTomboSort(const RVTOMBOPOINTS* input, RVTOMBOPOINTS* output);
 
 /* ======================================================================
  * Path generation
@@ -1358,6 +1461,631 @@ RV_API uint32_t RvWriteFavoriteFile(uint16_t machineType, const char* path, cons
 /* ======================================================================
  * Preference files
  * ====================================================================== */
+
+/* The host keeps its settings in two XML files, which the library reads into
+ * the records below and writes back; it gives no meaning to any value. The
+ * main file has the root "Kerflow_Preference" and seven sections, one per
+ * record RVPREFUSERSETUP to RVPREFDOTBRIDGE; the outline tool's file has the
+ * root "KFOutlineTool_Preference" and the section of RVPREFOUTLINETOOL. A
+ * section holds groups of keys; each key is an element whose text is its
+ * value. A field bears its key's name, with its group's name and "_" in
+ * front where two keys of one record share a name.
+ *
+ * Reading is forgiving: a key (or its group or section) that is missing, or
+ * whose text is empty, leaves its field as the caller set it, so the caller's
+ * record carries the defaults. A text that doesn't scan as its number leaves
+ * the field too. Nothing checks a range: a number too large for its field
+ * keeps what the C library's scanning makes of it.
+ *
+ * Text forms, read and written with a '.' as decimal mark whatever the
+ * process's locale:
+ *   int16_t "%hd", uint16_t "%hu", int32_t "%d" (int and long keys alike),
+ *   float "%f", double "%lf" (six decimals: 0.5 is written 0.500000, and
+ *   both 0.5 and 0.500000 read as 0.5), uint8_t (colour components) "%hu",
+ *   read into 16 bits of which the low byte is kept.
+ * A text field is the key's text in the encoding of the user's default
+ * locale (LC_CTYPE from the environment), as for condition files; a
+ * character that the locale can't hold becomes '?'. It is cut at a character
+ * boundary to the field's size; a text that fills the field exactly has no
+ * terminator, so whoever reads a field stops at its width.
+ *
+ * Buffers: a key's text is taken at most 255 characters long in the section
+ * TomboEnv, 2047 in Dotbridge and 511 in the others; the rest isn't read.
+ * A written key's text is at most 255 characters long, 2047 in Dotbridge;
+ * text beyond (a number of more than 255 digits, a field of 256 bytes) is
+ * cut there.
+ *
+ * Versions of the main file: a save writes the version "8.00"; a load brings
+ * an older file up to date in memory by a chain of steps, one per version
+ * from "2.00" to "9.00", each adding the keys that its version brought (the
+ * version's whole number counts: "8.00" and "8.5" run the last step). Only
+ * four keys get a text from a step: TQTombo/SepMode "0", SepLineWidth "0.5",
+ * SepDirection "0" and SepCount "2" (version "2.00"); so a file of version
+ * "1.00" without them loads these four values whatever the caller had set.
+ * A key that a step adds stands behind a key of that name that the file has
+ * already, and the file's own one is read. A version of 9 or more, or below
+ * 1, runs no step. Left to the implementer: a version that doesn't begin
+ * with a number (after white space and a sign) counts as 0, so no step runs.
+ * The file on disk changes only by a save.
+ *
+ * Codes of the four functions: 13 the file can't be read or isn't XML; 14
+ * the file can't be written; 15 the root has another name or the document
+ * has none (also when every section is there); 65535 the main file's root has
+ * no attribute "version". A load that fails leaves every record untouched.
+ * Besides, a main file older than "9.00" whose root has no section
+ * PlotterUserSetup fails with 15 after its steps, its records untouched; a
+ * file of "9.00" or later without it loads the other sections. A DOM failure
+ * inside one section stops that section only, and the result doesn't show it.
+ * Library extension: a null path fails a load with 13 and a save with 14; a
+ * null record pointer is passed over: its section isn't read, and a save
+ * leaves it out of the file. */
+
+/** Text sizes of the preference records, in bytes. */
+#define RV_PREF_TEXT16 16
+#define RV_PREF_TEXT32 32
+#define RV_PREF_TEXT64 64
+#define RV_PREF_TEXT128 128
+#define RV_PREF_TEXT256 256
+#define RV_PREF_TEXT300 300
+
+/** Section PlotterUserSetup of the main file. Keys Setup, PluginName and
+ *  Version stand in the section itself; the others in the groups Plotter,
+ *  Communication, Machine, PlotDialog, AlertDisplay and EtcInfo. */
+typedef struct RVPREFUSERSETUP {
+  int32_t Setup;
+  char PluginName[RV_PREF_TEXT64];
+  char Version[RV_PREF_TEXT16];
+  char Model[RV_PREF_TEXT128];           /* Plotter/ */
+  char Command[RV_PREF_TEXT32];          /* Plotter/ */
+  char StepSize[RV_PREF_TEXT32];         /* Plotter/ */
+  char ApproximateType[RV_PREF_TEXT32];  /* Plotter/ */
+  int16_t PortType;                      /* Communication/ */
+  char CommPort[RV_PREF_TEXT32];         /* Communication/ */
+  char CommSpeed[RV_PREF_TEXT16];        /* Communication/ */
+  char CommHighSpeed[RV_PREF_TEXT16];    /* Communication/ */
+  char CommLength[RV_PREF_TEXT16];       /* Communication/ */
+  char CommParity[RV_PREF_TEXT16];       /* Communication/ */
+  char CommHandshake[RV_PREF_TEXT16];    /* Communication/ */
+  char UsbPort[RV_PREF_TEXT32];          /* Communication/ */
+  char LanAddr[RV_PREF_TEXT64];          /* Communication/ */
+  char LanIpAddr[RV_PREF_TEXT64];        /* Communication/ */
+  double InitSheetWidth;                 /* PlotDialog/ */
+  double InitSheetHeight;                /* PlotDialog/ */
+  int16_t DisplayMode;                   /* PlotDialog/ */
+  int32_t OpenPath;                      /* AlertDisplay/ */
+  int32_t OutlineWidth;                  /* AlertDisplay/ */
+  int32_t DisablePath;                   /* AlertDisplay/ */
+  int32_t TomboRecog;                    /* AlertDisplay/ */
+  int32_t PlotCondition;                 /* AlertDisplay/ */
+  int32_t OnlineInfo;                    /* EtcInfo/ */
+  int32_t MoveToCutLayer;                /* AlertDisplay/ */
+  int32_t FavoriteApply;                 /* EtcInfo/ */
+  int16_t FavoriteSub;                   /* EtcInfo/ */
+  int32_t FavoriteNoPlot;                /* EtcInfo/ */
+  double OriginAdjustWidth;              /* Machine/ */
+  double OriginAdjustHeight;             /* Machine/ */
+  char Printer[RV_PREF_TEXT128];         /* Machine/ */
+  char MaxPower[RV_PREF_TEXT64];         /* Machine/ */
+  int16_t TomboSearchMode;               /* Machine/ */
+  double CameraOffsetWidth;              /* Machine/ */
+  double CameraOffsetHeight;             /* Machine/ */
+  double HWDOriginAdjustWidth;           /* Machine/ */
+  double HWDOriginAdjustHeight;          /* Machine/ */
+  int16_t WDZZOriginType;                /* Machine/ */
+} RVPREFUSERSETUP;
+
+/** Section PlotPreview of the main file: groups CutEnv, Layout, Tiling,
+ *  Tombo and WDTombo. */
+typedef struct RVPREFPLOTPREVIEW {
+  double SheetWidth;              /* CutEnv/ */
+  double SheetHeight;             /* CutEnv/ */
+  int32_t IsFrame;                /* CutEnv/ */
+  double FrameWidth;              /* CutEnv/ */
+  double FrameHeight;             /* CutEnv/ */
+  double CopyMarginWidth;         /* CutEnv/ */
+  double CopyMarginHeight;        /* CutEnv/ */
+  uint16_t UnitType;              /* Layout/ */
+  int32_t OriginLock;             /* Layout/ */
+  int32_t IDCutOriginLock;        /* Layout/ */
+  int32_t IsColorTab;             /* Layout/ */
+  double OverlapSize;             /* Tiling/ */
+  double MarkSize;                /* Tiling/ */
+  double Margin;                  /* Tiling/ */
+  int32_t IsMark;                 /* Tiling/ */
+  int16_t Tombo_RepeatType;       /* Tombo/RepeatType */
+  uint16_t RepeatWidth;           /* Tombo/ */
+  uint16_t RepeatHeight;          /* Tombo/ */
+  int16_t Tombo_FirstSearchPath;  /* Tombo/FirstSearchPath */
+  int16_t Tombo_ContSearchPath;   /* Tombo/ContSearchPath */
+  int32_t DistCorrect;            /* WDTombo/ */
+  int32_t CrossCut;               /* WDTombo/ */
+  int16_t WDTombo_RepeatType;     /* WDTombo/RepeatType */
+  int16_t WDTombo_FirstSearchPath; /* WDTombo/FirstSearchPath */
+  int16_t WDTombo_ContSearchPath; /* WDTombo/ContSearchPath */
+  int32_t SurfaceCut;             /* WDTombo/ */
+  int32_t FrameContCut;           /* WDTombo/ */
+  double TomboMarginWidth;        /* Tombo/ */
+  double TomboMarginHeight;       /* Tombo/ */
+  int16_t MediaRotateDir;         /* Tombo/ */
+} RVPREFPLOTPREVIEW;
+
+/** Section Plot of the main file: groups Condition, Sort, SheetFeed,
+ *  PrvMisCrct, RepeatCreasingTool, HeadMove, AutoCut, LongXDivisionCut and
+ *  WDOption. */
+typedef struct RVPREFPLOT {
+  int16_t ConditionType;                 /* Condition/ ... */
+  char DefTQToolName[RV_PREF_TEXT32];
+  int16_t DefTQSpeed;
+  int16_t DefTQPress;
+  double DefTQOffset;
+  char DefWDToolName[RV_PREF_TEXT32];
+  int16_t DefWDSpeed;
+  double DefWDDSpeed;
+  int16_t DefWDPress;
+  double DefWDOffset;
+  char MillSelectName[RV_PREF_TEXT256];
+  char SelectName[RV_PREF_TEXT256];
+  char SelectToolName[RV_PREF_TEXT32];
+  int16_t SelectSpeed;
+  double SelectDSpeed;
+  int16_t SelectPress;
+  double SelectOffset;
+  int32_t SelectChkSpeed;
+  int32_t SelectChkPress;
+  int32_t SelectChkOffset;               /* ... Condition/ */
+  int32_t IsSort;                        /* Sort/ */
+  int16_t SortType;                      /* Sort/ */
+  int32_t IsSheetFeed;                   /* SheetFeed/ */
+  int32_t IsPrvMisCrct;                  /* PrvMisCrct/ */
+  int32_t IsHeadMove;                    /* HeadMove/ ... */
+  int32_t OriginUpdate;
+  char MoveWidthMode[RV_PREF_TEXT64];
+  char MoveHeightMode[RV_PREF_TEXT64];
+  double MoveWidth;
+  double MoveHeight;                     /* ... HeadMove/ */
+  int32_t IsAutoCut;                     /* AutoCut/ */
+  int32_t DetailCut;                     /* AutoCut/ */
+  double CutSize;                        /* AutoCut/ */
+  int32_t ReverseDirect;                 /* WDOption/ ... */
+  int32_t BeforeVacuumOn;
+  int32_t AfterVacuumOff;
+  int32_t Optimization;
+  int32_t Optimization_Cut;
+  int32_t MillingOptimization;
+  int32_t MicroJoint;
+  double JointLength;
+  double JointHeight;
+  int32_t Pause;                         /* ... WDOption/ */
+  double SelectLaserSpeed;               /* Condition/ */
+  double SelectLaserPower;               /* Condition/ */
+  int16_t SelectLaserFreq;               /* Condition/ */
+  char SelectLaserDpi[RV_PREF_TEXT64];   /* Condition/ */
+  int32_t IsLongXDivisionCut;            /* LongXDivisionCut/ ... */
+  double LongXDivDivisionLeng;
+  double LongXDivCrossCutLeng;
+  int32_t LongXDivOriginRenewal;
+  double LongXDivWidthAdder;             /* ... LongXDivisionCut/ */
+  int32_t IsRepeatCreasingTool;          /* RepeatCreasingTool/ */
+} RVPREFPLOT;
+
+/** Section TomboEnv of the main file: groups TQTombo, WDTombo, IDTombo and
+ *  FreeTombo. ID0 to ID19 are long keys. */
+typedef struct RVPREFTOMBOENV {
+  int16_t TQTombo_TomboType;  /* TQTombo/TomboType */
+  double MarkSize;            /* TQTombo/ */
+  double LineWidth;           /* TQTombo/ */
+  int32_t FrameTombo;         /* TQTombo/ */
+  int32_t RoundTombo;         /* TQTombo/ */
+  int32_t TQTombo_TomboMark;  /* TQTombo/TomboMark */
+  int32_t TQTombo_SepMode;    /* TQTombo/SepMode */
+  double SepLineWidth;        /* TQTombo/ */
+  int16_t SepDirection;       /* TQTombo/ */
+  int16_t TQTombo_SepCount;   /* TQTombo/SepCount */
+  int16_t WDTombo_TomboType;  /* WDTombo/TomboType */
+  double TomboSize;           /* WDTombo/ */
+  int32_t WDTombo_SepMode;    /* WDTombo/SepMode */
+  int16_t SepType;            /* WDTombo/ */
+  int16_t WDTombo_SepCount;   /* WDTombo/SepCount */
+  int32_t WDTombo_TomboMark;  /* WDTombo/TomboMark */
+  int32_t IDTomboMode;        /* IDTombo/ */
+  int32_t IsIDTombo;          /* IDTombo/ */
+  int32_t ID0, ID1, ID2, ID3, ID4, ID5, ID6, ID7, ID8, ID9; /* IDTombo/ */
+  int32_t ID10, ID11, ID12, ID13, ID14, ID15, ID16, ID17, ID18, ID19;
+  int32_t FreeRMAround;       /* FreeTombo/ */
+  int32_t FreeOrigRM;         /* FreeTombo/ */
+} RVPREFTOMBOENV;
+
+/** Section Function of the main file: groups Contour, Weed, PlotFileImport,
+ *  Trapping, JoinPath and TestPlot. */
+typedef struct RVPREFFUNCTION {
+  double PathOffset;       /* Contour/ */
+  int32_t Inside;          /* Contour/ */
+  int32_t AddDirection;    /* Weed/ ... */
+  double FrameWidth;
+  double FrameHeight;
+  int16_t DivideWidth;
+  int16_t DivideHeight;
+  double DistanceWidth;
+  double DistanceHeight;
+  int16_t MarginType;      /* ... Weed/ */
+  char StepSize[RV_PREF_TEXT32]; /* PlotFileImport/ */
+  double TrapSize;         /* Trapping/ */
+  double ErrRange;         /* JoinPath/ */
+  double TestPlotOriginH;  /* TestPlot/ ... */
+  double TestPlotOriginV;
+  double TestPlotSizeH;
+  double TestPlotSizeV;
+  double TestPlotSizeL;
+  double TestPlotPitch;
+  int16_t TestPlotType;    /* ... TestPlot/ */
+} RVPREFFUNCTION;
+
+/** Section CutPreview of the main file: the group ViewOption, then nine
+ *  colour groups of the keys ColorR, ColorG and ColorB. reserved stands
+ *  where no key is carried; the library leaves it alone. */
+typedef struct RVPREFCUTPREVIEW {
+  int16_t PlaySpeed;       /* ViewOption/ ... */
+  int32_t StartPosition;
+  int32_t Arrow;
+  int32_t ToolPosition;
+  int32_t MoveLine;
+  int32_t CutOrder;
+  int32_t Original;
+  int32_t EndPosition;     /* ... ViewOption/ */
+  uint8_t CCWColor_ColorR, CCWColor_ColorG, CCWColor_ColorB;
+  uint8_t CWColor_ColorR, CWColor_ColorG, CWColor_ColorB;
+  uint8_t ArrowColor_ColorR, ArrowColor_ColorG, ArrowColor_ColorB;
+  uint8_t StartPositionColor_ColorR, StartPositionColor_ColorG, StartPositionColor_ColorB;
+  uint8_t MoveLineColor_ColorR, MoveLineColor_ColorG, MoveLineColor_ColorB;
+  uint8_t CutOrderColor_ColorR, CutOrderColor_ColorG, CutOrderColor_ColorB;
+  uint8_t ToolPositionColor_ColorR, ToolPositionColor_ColorG, ToolPositionColor_ColorB;
+  uint8_t OriginalColor_ColorR, OriginalColor_ColorG, OriginalColor_ColorB;
+  uint8_t reserved[3];
+  uint8_t EndPositionColor_ColorR, EndPositionColor_ColorG, EndPositionColor_ColorB;
+} RVPREFCUTPREVIEW;
+
+/** Section Dotbridge of the main file: groups HotFolder, HotFolderHistory,
+ *  PrintCutEnv, Layout, SheetFeed, Dry, AutoCut and Clamp. A folder name of
+ *  300 bytes or more fills its field without a terminator. */
+typedef struct RVPREFDOTBRIDGE {
+  char FolderName[RV_PREF_TEXT300];   /* HotFolder/ */
+  char FolderName1[RV_PREF_TEXT300];  /* HotFolderHistory/ ... */
+  char FolderName2[RV_PREF_TEXT300];
+  char FolderName3[RV_PREF_TEXT300];
+  char FolderName4[RV_PREF_TEXT300];
+  char FolderName5[RV_PREF_TEXT300];
+  char FolderName6[RV_PREF_TEXT300];
+  char FolderName7[RV_PREF_TEXT300];
+  char FolderName8[RV_PREF_TEXT300];
+  char FolderName9[RV_PREF_TEXT300];
+  char FolderName10[RV_PREF_TEXT300]; /* ... HotFolderHistory/ */
+  double SheetWidth;        /* PrintCutEnv/ ... */
+  double SheetHeight;
+  double CopyMarginWidth;
+  double CopyMarginHeight;  /* ... PrintCutEnv/ */
+  uint16_t UnitType;        /* Layout/ */
+  int32_t IsSheetFeed;      /* SheetFeed/ */
+  int16_t Time;             /* Dry/ */
+  int32_t IsAutoCut;        /* AutoCut/ */
+  int32_t DetailCut;        /* AutoCut/ */
+  double CutSize;           /* AutoCut/ */
+  int32_t IsClamp;          /* Clamp/ ... */
+  int16_t PrintAllPress;
+  int16_t CutSidePress;
+  int16_t CutMiddlePress;   /* ... Clamp/ */
+} RVPREFDOTBRIDGE;
+
+/** Section OutlineTool of the outline tool's file: groups OutlinePreview,
+ *  TraceSetting, SelectLineColor and TraceLineColor. Threshold and
+ *  EraceNoiseLevel are long keys. */
+typedef struct RVPREFOUTLINETOOL {
+  int32_t ViewPicture;      /* OutlinePreview/ */
+  int32_t ViewSelectLine;   /* OutlinePreview/ */
+  int32_t ViewTraceLine;    /* OutlinePreview/ */
+  int32_t OutlineMode;      /* TraceSetting/ ... */
+  int32_t Threshold;
+  int32_t DilationErosion;
+  int32_t EraceNoiseLevel;
+  float ToleranceLength;
+  float CornerRadius;
+  int16_t ManageMode;
+  char RecommendMode[RV_PREF_TEXT32]; /* ... TraceSetting/ */
+  uint8_t SelectLineColor_ColorR, SelectLineColor_ColorG, SelectLineColor_ColorB;
+  uint8_t TraceLineColor_ColorR, TraceLineColor_ColorG, TraceLineColor_ColorB;
+} RVPREFOUTLINETOOL;
+
+/* The keys of each section in file order, as X(group, key, field): group is
+ * "" for a key of the section itself, field the record's field. A save
+ * writes the keys in this order, each group where its first key stands.
+ * Library extension: a host may walk a record with these lists (offsetof and
+ * sizeof of the field give its place; its C type gives its text form). */
+#define RV_PREF_USERSETUP_KEYS(X)                              \
+  X("", "Setup", Setup)                                        \
+  X("", "PluginName", PluginName)                              \
+  X("", "Version", Version)                                    \
+  X("Plotter", "Model", Model)                                 \
+  X("Plotter", "Command", Command)                             \
+  X("Plotter", "StepSize", StepSize)                           \
+  X("Plotter", "ApproximateType", ApproximateType)             \
+  X("Communication", "PortType", PortType)                     \
+  X("Communication", "CommPort", CommPort)                     \
+  X("Communication", "CommSpeed", CommSpeed)                   \
+  X("Communication", "CommLength", CommLength)                 \
+  X("Communication", "CommParity", CommParity)                 \
+  X("Communication", "CommHandshake", CommHandshake)           \
+  X("Communication", "UsbPort", UsbPort)                       \
+  X("Communication", "LanAddr", LanAddr)                       \
+  X("Communication", "CommHighSpeed", CommHighSpeed)           \
+  X("Communication", "LanIpAddr", LanIpAddr)                   \
+  X("Machine", "OriginAdjustWidth", OriginAdjustWidth)         \
+  X("Machine", "OriginAdjustHeight", OriginAdjustHeight)       \
+  X("Machine", "HWDOriginAdjustWidth", HWDOriginAdjustWidth)   \
+  X("Machine", "HWDOriginAdjustHeight", HWDOriginAdjustHeight) \
+  X("Machine", "Printer", Printer)                             \
+  X("Machine", "MaxPower", MaxPower)                           \
+  X("Machine", "TomboSearchMode", TomboSearchMode)             \
+  X("Machine", "CameraOffsetWidth", CameraOffsetWidth)         \
+  X("Machine", "CameraOffsetHeight", CameraOffsetHeight)       \
+  X("Machine", "WDZZOriginType", WDZZOriginType)               \
+  X("PlotDialog", "InitSheetWidth", InitSheetWidth)            \
+  X("PlotDialog", "InitSheetHeight", InitSheetHeight)          \
+  X("PlotDialog", "DisplayMode", DisplayMode)                  \
+  X("AlertDisplay", "OpenPath", OpenPath)                      \
+  X("AlertDisplay", "OutlineWidth", OutlineWidth)              \
+  X("AlertDisplay", "DisablePath", DisablePath)                \
+  X("AlertDisplay", "TomboRecog", TomboRecog)                  \
+  X("AlertDisplay", "PlotCondition", PlotCondition)            \
+  X("AlertDisplay", "MoveToCutLayer", MoveToCutLayer)          \
+  X("EtcInfo", "OnlineInfo", OnlineInfo)                       \
+  X("EtcInfo", "FavoriteApply", FavoriteApply)                 \
+  X("EtcInfo", "FavoriteSub", FavoriteSub)                     \
+  X("EtcInfo", "FavoriteNoPlot", FavoriteNoPlot)
+#define RV_PREF_PLOTPREVIEW_KEYS(X)                        \
+  X("CutEnv", "SheetWidth", SheetWidth)                    \
+  X("CutEnv", "SheetHeight", SheetHeight)                  \
+  X("CutEnv", "IsFrame", IsFrame)                          \
+  X("CutEnv", "FrameWidth", FrameWidth)                    \
+  X("CutEnv", "FrameHeight", FrameHeight)                  \
+  X("CutEnv", "CopyMarginWidth", CopyMarginWidth)          \
+  X("CutEnv", "CopyMarginHeight", CopyMarginHeight)        \
+  X("Layout", "UnitType", UnitType)                        \
+  X("Layout", "OriginLock", OriginLock)                    \
+  X("Layout", "IDCutOriginLock", IDCutOriginLock)          \
+  X("Layout", "IsColorTab", IsColorTab)                    \
+  X("Tiling", "OverlapSize", OverlapSize)                  \
+  X("Tiling", "MarkSize", MarkSize)                        \
+  X("Tiling", "Margin", Margin)                            \
+  X("Tiling", "IsMark", IsMark)                            \
+  X("Tombo", "RepeatType", Tombo_RepeatType)               \
+  X("Tombo", "RepeatWidth", RepeatWidth)                   \
+  X("Tombo", "RepeatHeight", RepeatHeight)                 \
+  X("Tombo", "FirstSearchPath", Tombo_FirstSearchPath)     \
+  X("Tombo", "ContSearchPath", Tombo_ContSearchPath)       \
+  X("Tombo", "TomboMarginWidth", TomboMarginWidth)         \
+  X("Tombo", "TomboMarginHeight", TomboMarginHeight)       \
+  X("Tombo", "MediaRotateDir", MediaRotateDir)             \
+  X("WDTombo", "DistCorrect", DistCorrect)                 \
+  X("WDTombo", "CrossCut", CrossCut)                       \
+  X("WDTombo", "RepeatType", WDTombo_RepeatType)           \
+  X("WDTombo", "FirstSearchPath", WDTombo_FirstSearchPath) \
+  X("WDTombo", "ContSearchPath", WDTombo_ContSearchPath)   \
+  X("WDTombo", "SurfaceCut", SurfaceCut)                   \
+  X("WDTombo", "FrameContCut", FrameContCut)
+#define RV_PREF_PLOT_KEYS(X)                                            \
+  X("Condition", "ConditionType", ConditionType)                        \
+  X("Condition", "DefTQToolName", DefTQToolName)                        \
+  X("Condition", "DefTQSpeed", DefTQSpeed)                              \
+  X("Condition", "DefTQPress", DefTQPress)                              \
+  X("Condition", "DefTQOffset", DefTQOffset)                            \
+  X("Condition", "DefWDToolName", DefWDToolName)                        \
+  X("Condition", "DefWDSpeed", DefWDSpeed)                              \
+  X("Condition", "DefWDPress", DefWDPress)                              \
+  X("Condition", "DefWDOffset", DefWDOffset)                            \
+  X("Condition", "MillSelectName", MillSelectName)                      \
+  X("Condition", "SelectName", SelectName)                              \
+  X("Condition", "SelectToolName", SelectToolName)                      \
+  X("Condition", "SelectSpeed", SelectSpeed)                            \
+  X("Condition", "SelectPress", SelectPress)                            \
+  X("Condition", "SelectOffset", SelectOffset)                          \
+  X("Condition", "SelectChkSpeed", SelectChkSpeed)                      \
+  X("Condition", "SelectChkPress", SelectChkPress)                      \
+  X("Condition", "SelectChkOffset", SelectChkOffset)                    \
+  X("Condition", "DefWDDSpeed", DefWDDSpeed)                            \
+  X("Condition", "SelectDSpeed", SelectDSpeed)                          \
+  X("Condition", "SelectLaserSpeed", SelectLaserSpeed)                  \
+  X("Condition", "SelectLaserPower", SelectLaserPower)                  \
+  X("Condition", "SelectLaserFreq", SelectLaserFreq)                    \
+  X("Condition", "SelectLaserDpi", SelectLaserDpi)                      \
+  X("Sort", "IsSort", IsSort)                                           \
+  X("Sort", "SortType", SortType)                                       \
+  X("SheetFeed", "IsSheetFeed", IsSheetFeed)                            \
+  X("PrvMisCrct", "IsPrvMisCrct", IsPrvMisCrct)                         \
+  X("RepeatCreasingTool", "IsRepeatCreasingTool", IsRepeatCreasingTool) \
+  X("HeadMove", "IsHeadMove", IsHeadMove)                               \
+  X("HeadMove", "OriginUpdate", OriginUpdate)                           \
+  X("HeadMove", "MoveWidthMode", MoveWidthMode)                         \
+  X("HeadMove", "MoveHeightMode", MoveHeightMode)                       \
+  X("HeadMove", "MoveWidth", MoveWidth)                                 \
+  X("HeadMove", "MoveHeight", MoveHeight)                               \
+  X("AutoCut", "IsAutoCut", IsAutoCut)                                  \
+  X("AutoCut", "DetailCut", DetailCut)                                  \
+  X("AutoCut", "CutSize", CutSize)                                      \
+  X("LongXDivisionCut", "IsLongXDivisionCut", IsLongXDivisionCut)       \
+  X("LongXDivisionCut", "LongXDivDivisionLeng", LongXDivDivisionLeng)   \
+  X("LongXDivisionCut", "LongXDivCrossCutLeng", LongXDivCrossCutLeng)   \
+  X("LongXDivisionCut", "LongXDivOriginRenewal", LongXDivOriginRenewal) \
+  X("LongXDivisionCut", "LongXDivWidthAdder", LongXDivWidthAdder)       \
+  X("WDOption", "ReverseDirect", ReverseDirect)                         \
+  X("WDOption", "BeforeVacuumOn", BeforeVacuumOn)                       \
+  X("WDOption", "AfterVacuumOff", AfterVacuumOff)                       \
+  X("WDOption", "Optimization", Optimization)                           \
+  X("WDOption", "Optimization_Cut", Optimization_Cut)                   \
+  X("WDOption", "MillingOptimization", MillingOptimization)             \
+  X("WDOption", "MicroJoint", MicroJoint)                               \
+  X("WDOption", "JointLength", JointLength)                             \
+  X("WDOption", "JointHeight", JointHeight)                             \
+  X("WDOption", "Pause", Pause)
+#define RV_PREF_TOMBOENV_KEYS(X)               \
+  X("TQTombo", "TomboType", TQTombo_TomboType) \
+  X("TQTombo", "MarkSize", MarkSize)           \
+  X("TQTombo", "LineWidth", LineWidth)         \
+  X("TQTombo", "FrameTombo", FrameTombo)       \
+  X("TQTombo", "RoundTombo", RoundTombo)       \
+  X("TQTombo", "TomboMark", TQTombo_TomboMark) \
+  X("TQTombo", "SepMode", TQTombo_SepMode)     \
+  X("TQTombo", "SepLineWidth", SepLineWidth)   \
+  X("TQTombo", "SepDirection", SepDirection)   \
+  X("TQTombo", "SepCount", TQTombo_SepCount)   \
+  X("WDTombo", "TomboType", WDTombo_TomboType) \
+  X("WDTombo", "TomboSize", TomboSize)         \
+  X("WDTombo", "SepMode", WDTombo_SepMode)     \
+  X("WDTombo", "SepType", SepType)             \
+  X("WDTombo", "SepCount", WDTombo_SepCount)   \
+  X("WDTombo", "TomboMark", WDTombo_TomboMark) \
+  X("IDTombo", "IDTomboMode", IDTomboMode)     \
+  X("IDTombo", "IsIDTombo", IsIDTombo)         \
+  X("IDTombo", "ID0", ID0)                     \
+  X("IDTombo", "ID1", ID1)                     \
+  X("IDTombo", "ID2", ID2)                     \
+  X("IDTombo", "ID3", ID3)                     \
+  X("IDTombo", "ID4", ID4)                     \
+  X("IDTombo", "ID5", ID5)                     \
+  X("IDTombo", "ID6", ID6)                     \
+  X("IDTombo", "ID7", ID7)                     \
+  X("IDTombo", "ID8", ID8)                     \
+  X("IDTombo", "ID9", ID9)                     \
+  X("IDTombo", "ID10", ID10)                   \
+  X("IDTombo", "ID11", ID11)                   \
+  X("IDTombo", "ID12", ID12)                   \
+  X("IDTombo", "ID13", ID13)                   \
+  X("IDTombo", "ID14", ID14)                   \
+  X("IDTombo", "ID15", ID15)                   \
+  X("IDTombo", "ID16", ID16)                   \
+  X("IDTombo", "ID17", ID17)                   \
+  X("IDTombo", "ID18", ID18)                   \
+  X("IDTombo", "ID19", ID19)                   \
+  X("FreeTombo", "FreeOrigRM", FreeOrigRM)     \
+  X("FreeTombo", "FreeRMAround", FreeRMAround)
+#define RV_PREF_FUNCTION_KEYS(X)                    \
+  X("Contour", "PathOffset", PathOffset)            \
+  X("Contour", "Inside", Inside)                    \
+  X("Weed", "AddDirection", AddDirection)           \
+  X("Weed", "FrameWidth", FrameWidth)               \
+  X("Weed", "FrameHeight", FrameHeight)             \
+  X("Weed", "DivideWidth", DivideWidth)             \
+  X("Weed", "DivideHeight", DivideHeight)           \
+  X("Weed", "DistanceWidth", DistanceWidth)         \
+  X("Weed", "DistanceHeight", DistanceHeight)       \
+  X("Weed", "MarginType", MarginType)               \
+  X("PlotFileImport", "StepSize", StepSize)         \
+  X("Trapping", "TrapSize", TrapSize)               \
+  X("JoinPath", "ErrRange", ErrRange)               \
+  X("TestPlot", "TestPlotOriginH", TestPlotOriginH) \
+  X("TestPlot", "TestPlotOriginV", TestPlotOriginV) \
+  X("TestPlot", "TestPlotSizeH", TestPlotSizeH)     \
+  X("TestPlot", "TestPlotSizeV", TestPlotSizeV)     \
+  X("TestPlot", "TestPlotSizeL", TestPlotSizeL)     \
+  X("TestPlot", "TestPlotPitch", TestPlotPitch)     \
+  X("TestPlot", "TestPlotType", TestPlotType)
+#define RV_PREF_CUTPREVIEW_KEYS(X)                             \
+  X("ViewOption", "PlaySpeed", PlaySpeed)                      \
+  X("ViewOption", "StartPosition", StartPosition)              \
+  X("ViewOption", "Arrow", Arrow)                              \
+  X("ViewOption", "ToolPosition", ToolPosition)                \
+  X("ViewOption", "MoveLine", MoveLine)                        \
+  X("ViewOption", "CutOrder", CutOrder)                        \
+  X("ViewOption", "Original", Original)                        \
+  X("ViewOption", "EndPosition", EndPosition)                  \
+  X("CCWColor", "ColorR", CCWColor_ColorR)                     \
+  X("CCWColor", "ColorG", CCWColor_ColorG)                     \
+  X("CCWColor", "ColorB", CCWColor_ColorB)                     \
+  X("CWColor", "ColorR", CWColor_ColorR)                       \
+  X("CWColor", "ColorG", CWColor_ColorG)                       \
+  X("CWColor", "ColorB", CWColor_ColorB)                       \
+  X("ArrowColor", "ColorR", ArrowColor_ColorR)                 \
+  X("ArrowColor", "ColorG", ArrowColor_ColorG)                 \
+  X("ArrowColor", "ColorB", ArrowColor_ColorB)                 \
+  X("StartPositionColor", "ColorR", StartPositionColor_ColorR) \
+  X("StartPositionColor", "ColorG", StartPositionColor_ColorG) \
+  X("StartPositionColor", "ColorB", StartPositionColor_ColorB) \
+  X("MoveLineColor", "ColorR", MoveLineColor_ColorR)           \
+  X("MoveLineColor", "ColorG", MoveLineColor_ColorG)           \
+  X("MoveLineColor", "ColorB", MoveLineColor_ColorB)           \
+  X("CutOrderColor", "ColorR", CutOrderColor_ColorR)           \
+  X("CutOrderColor", "ColorG", CutOrderColor_ColorG)           \
+  X("CutOrderColor", "ColorB", CutOrderColor_ColorB)           \
+  X("ToolPositionColor", "ColorR", ToolPositionColor_ColorR)   \
+  X("ToolPositionColor", "ColorG", ToolPositionColor_ColorG)   \
+  X("ToolPositionColor", "ColorB", ToolPositionColor_ColorB)   \
+  X("OriginalColor", "ColorR", OriginalColor_ColorR)           \
+  X("OriginalColor", "ColorG", OriginalColor_ColorG)           \
+  X("OriginalColor", "ColorB", OriginalColor_ColorB)           \
+  X("EndPositionColor", "ColorR", EndPositionColor_ColorR)     \
+  X("EndPositionColor", "ColorG", EndPositionColor_ColorG)     \
+  X("EndPositionColor", "ColorB", EndPositionColor_ColorB)
+#define RV_PREF_DOTBRIDGE_KEYS(X)                        \
+  X("HotFolder", "FolderName", FolderName)               \
+  X("HotFolderHistory", "FolderName1", FolderName1)      \
+  X("HotFolderHistory", "FolderName2", FolderName2)      \
+  X("HotFolderHistory", "FolderName3", FolderName3)      \
+  X("HotFolderHistory", "FolderName4", FolderName4)      \
+  X("HotFolderHistory", "FolderName5", FolderName5)      \
+  X("HotFolderHistory", "FolderName6", FolderName6)      \
+  X("HotFolderHistory", "FolderName7", FolderName7)      \
+  X("HotFolderHistory", "FolderName8", FolderName8)      \
+  X("HotFolderHistory", "FolderName9", FolderName9)      \
+  X("HotFolderHistory", "FolderName10", FolderName10)    \
+  X("PrintCutEnv", "SheetWidth", SheetWidth)             \
+  X("PrintCutEnv", "SheetHeight", SheetHeight)           \
+  X("PrintCutEnv", "CopyMarginWidth", CopyMarginWidth)   \
+  X("PrintCutEnv", "CopyMarginHeight", CopyMarginHeight) \
+  X("Layout", "UnitType", UnitType)                      \
+  X("SheetFeed", "IsSheetFeed", IsSheetFeed)             \
+  X("Dry", "Time", Time)                                 \
+  X("AutoCut", "IsAutoCut", IsAutoCut)                   \
+  X("AutoCut", "DetailCut", DetailCut)                   \
+  X("AutoCut", "CutSize", CutSize)                       \
+  X("Clamp", "IsClamp", IsClamp)                         \
+  X("Clamp", "PrintAllPress", PrintAllPress)             \
+  X("Clamp", "CutSidePress", CutSidePress)               \
+  X("Clamp", "CutMiddlePress", CutMiddlePress)
+#define RV_PREF_OUTLINETOOL_KEYS(X)                      \
+  X("OutlinePreview", "ViewPicture", ViewPicture)        \
+  X("OutlinePreview", "ViewSelectLine", ViewSelectLine)  \
+  X("OutlinePreview", "ViewTraceLine", ViewTraceLine)    \
+  X("TraceSetting", "OutlineMode", OutlineMode)          \
+  X("TraceSetting", "Threshold", Threshold)              \
+  X("TraceSetting", "DilationErosion", DilationErosion)  \
+  X("TraceSetting", "EraceNoiseLevel", EraceNoiseLevel)  \
+  X("TraceSetting", "ToleranceLength", ToleranceLength)  \
+  X("TraceSetting", "CornerRadius", CornerRadius)        \
+  X("TraceSetting", "ManageMode", ManageMode)            \
+  X("TraceSetting", "RecommendMode", RecommendMode)      \
+  X("SelectLineColor", "ColorR", SelectLineColor_ColorR) \
+  X("SelectLineColor", "ColorG", SelectLineColor_ColorG) \
+  X("SelectLineColor", "ColorB", SelectLineColor_ColorB) \
+  X("TraceLineColor", "ColorR", TraceLineColor_ColorR)   \
+  X("TraceLineColor", "ColorG", TraceLineColor_ColorG)   \
+  X("TraceLineColor", "ColorB", TraceLineColor_ColorB)
+
+/** Reads the main preference file at path into the seven records, section
+ *  by section in file order, after bringing an older file up to date in
+ *  memory. Codes as above; the file isn't changed. */
+RV_API uint32_t RvLoadKFPreference(const char* path, RVPREFUSERSETUP* userSetup, RVPREFPLOTPREVIEW* plotPreview,
+                                   RVPREFPLOT* plot, RVPREFTOMBOENV* tomboEnv, RVPREFFUNCTION* function,
+                                   RVPREFCUTPREVIEW* cutPreview, RVPREFDOTBRIDGE* dotbridge);
+/** Writes the seven records as the main preference file at path, version
+ *  "8.00", UTF-8, no white space between elements: every key, also one of
+ *  value 0 or empty text, in the file's order. 14 if it can't be written. */
+RV_API uint32_t RvSaveKFPreference(const char* path, const RVPREFUSERSETUP* userSetup,
+                                   const RVPREFPLOTPREVIEW* plotPreview, const RVPREFPLOT* plot,
+                                   const RVPREFTOMBOENV* tomboEnv, const RVPREFFUNCTION* function,
+                                   const RVPREFCUTPREVIEW* cutPreview, const RVPREFDOTBRIDGE* dotbridge);
+/** Reads the outline tool's file at path into outlineTool. Its version isn't
+ *  read and has no steps. */
+RV_API uint32_t RvLoadOTPreference(const char* path, RVPREFOUTLINETOOL* outlineTool);
+/** Writes outlineTool as the outline tool's file at path, version "1.00". */
+RV_API uint32_t RvSaveOTPreference(const char* path, const RVPREFOUTLINETOOL* outlineTool);
 
 #ifdef __cplusplus
 } /* extern "C" */

@@ -41,6 +41,11 @@ struct RenderOptions {
   bool starts = true;
 };
 
+struct PrefsOptions {
+  std::string file;
+  std::string output;  // upgrade only
+};
+
 /// `rvtool info`: imports the file and prints the document.
 int RunInfo(const InfoOptions& options, std::ostream& out);
 /// `rvtool render`: imports a drawing or a written job and draws it.
@@ -53,6 +58,13 @@ Subcommand AddRenderCommand(CLI::App& app);
 /// The subcommands `hatch` and `contour` (generate.cpp).
 Subcommand AddHatchCommand(CLI::App& app);
 Subcommand AddContourCommand(CLI::App& app);
+
+/// `rvtool prefs show`: prints a preference file's values by section.
+int RunPrefsShow(const PrefsOptions& options, std::ostream& out);
+/// `rvtool prefs upgrade`: writes a preference file at the version a save writes.
+int RunPrefsUpgrade(const PrefsOptions& options, std::ostream& out);
+/// The subcommand `prefs` with `show` and `upgrade`.
+Subcommand AddPrefsCommand(CLI::App& app);
 
 /// The report of `info` for the active document; `title` heads it.
 void DescribeActiveDocument(const std::string& title, std::ostream& out);

@@ -46,6 +46,7 @@ constexpr rvtool::SubcommandMaker kSubcommands[] = {
     rvtool::AddRenderCommand,
     rvtool::AddHatchCommand,
     rvtool::AddContourCommand,
+    rvtool::AddPrefsCommand,
 };
 
 int main(int argc, char** argv) {
