@@ -159,7 +159,7 @@ PlainBox NestingShape::Reach() const {
 }
 
 bool NestingShape::InsideOf(const NestingShape& outer) const {
-  if (m_line.points.empty() || (m_finite && m_edgeCount == 0)) return false;
+  if (m_line.points.empty() || outer.m_line.points.empty() || (m_finite && m_edgeCount == 0)) return false;
   if (m_finite && outer.m_finite) {
     // A probe outside the outer box (with its margin) is outside.
     const double m = outer.m_margin;

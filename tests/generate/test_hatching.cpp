@@ -126,6 +126,22 @@ TEST_F(Hatching, AFrameAloneLeavesThePathLayerAlone) {
   EXPECT_EQ(frame[1].size(), 2u);
 }
 
+TEST_F(Hatching, APathWithoutPointsInACompoundContainsNothing) {
+  // Found by the fuzzer: the nesting judgment of the compounds read past an
+  // empty outline.
+  void* compound = AddCompound({Box(0, 0, 10, 10)});
+  void* empty = nullptr;
+  void* bezier = nullptr;
+  ASSERT_EQ(RvGiCreateArt(4, 4, compound, &empty), 0u);
+  ASSERT_EQ(RvGiCreateArt(2, 5, empty, &bezier), 0u);
+  ASSERT_EQ(RvGiSetPathClosed(empty, 1), 0u);
+  ASSERT_EQ(RvGiSetPathAttrFlag(empty, 7), 0u);
+  ASSERT_EQ(RvGiSetPathPlotInfo(empty, 3, "P"), 0u);
+  m_hatching.pitch = 2;
+  EXPECT_EQ(Hatch(), 0u);
+  EXPECT_EQ(Lines().size(), 5u);
+}
+
 TEST_F(Hatching, RefusedRunsChangeNothing) {
   struct Row {
     const char* what;

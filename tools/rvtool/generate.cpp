@@ -42,6 +42,7 @@ struct GenerateOptions {
   double inputUnit = kPlotterStep;
   double unit = kPlotterStep;
   double angleDegrees = 0;
+  int pixelWidth = 1200;
 };
 
 struct HatchOptions : GenerateOptions {
@@ -176,6 +177,7 @@ void WritePictures(const GenerateOptions& o, const std::vector<std::string>& lay
   const Scene scene = SceneOfLayers(layers);
   PictureOptions picture;
   picture.title = o.file;
+  picture.pixelWidth = o.pixelWidth;
   picture.travel = false;
   picture.starts = false;
   for (const std::string& target : {o.png, o.svg}) {
@@ -217,6 +219,9 @@ void AddCommonOptions(CLI::App* command, GenerateOptions& o) {
   command->add_option("-o,--output", o.output, "Job to write (RVL, HP-GL)")->required();
   command->add_option("--png", o.png, "Also draw the shapes and the result as a PNG");
   command->add_option("--svg", o.svg, "Also draw the shapes and the result as an SVG");
+  command->add_option("--width", o.pixelWidth, "Width of a PNG in pixels")
+      ->default_val(1200)
+      ->check(CLI::Range(16, 16384));
   command->add_option("--input-unit", o.inputUnit, "Millimetres per unit of the plot file read")
       ->default_val(kPlotterStep)
       ->check(CLI::PositiveNumber);
