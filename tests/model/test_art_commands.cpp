@@ -186,7 +186,6 @@ TEST_F(Drawing, ArtBoundsMapEachCornerThroughTheMatrix) {
   const RVRECT stored{10.0, 0.0, 20.0, 0.0};
   const RVRIFMATRIX turn{0.0, 1.0, -1.0, 0.0, 0.0, 0.0};
   ASSERT_EQ(RvGiSetBoundingBox(group, &stored), 0u);
-  EXPECT_EQ(Rect(Read(RvGiGetArtBounds, group)), (V{10, 0, 20, 0}));
   ASSERT_EQ(RvGiSetArtMatrix(group, &turn), 0u);
   EXPECT_EQ(Rect(Read(RvGiGetArtBounds, group)), (V{0, -10, 0, 20}));
 }
