@@ -74,14 +74,18 @@ inline V Anchors(void* bezier) {
   return out;
 }
 
-/// A fresh store with one document, active, without layers.
+/// A fresh store with one document, active, without layers; every test
+/// ends with the frame stack empty.
 class Drawing : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
     ASSERT_EQ(RvGiCreateDocument(0, &m_doc), 0u);
   }
-  void TearDown() override { RvGiDeleteAllDocuments(); }
+  void TearDown() override {
+    RvGiDeleteAllDocuments();
+    EXPECT_EQ(g_ExceptionContext, nullptr);
+  }
 
   static void* Layer(int16_t where = 1, void* reference = nullptr) {
     void* layer = nullptr;

@@ -137,7 +137,6 @@ TEST_F(Drawing, NullArtsAreReportedNotFollowed) {
                         RvGiConvertCompoundToGroup(nullptr, nullptr)}) {
     EXPECT_EQ(code, kNullArt);
   }
-  EXPECT_EQ(g_ExceptionContext, nullptr);
 }
 
 TEST_F(Drawing, CopiesFollowTheCopyingRules) {
