@@ -3,6 +3,7 @@
 #include <tuple>
 
 #include "drawing_host.h"
+#include "model/art.h"
 
 using namespace drawtest;
 
@@ -282,6 +283,19 @@ TEST_F(Drawing, DeepNestingIsWalkedAndDestroyedWithoutRecursion) {
   ASSERT_EQ(RvGiTracePath(layer, 2, &visits, count), 0u);
   EXPECT_EQ(visits, 1);
   EXPECT_EQ(RvGiDeleteLayer(layer), 0u);
+}
+
+// The art tree as C++ objects, where the exported functions don't reach.
+TEST(ArtTree, ALayerRemovesOnlyEntriesOfItsOwnList) {
+  rv::CRvLayer layer, other;
+  rv::CRvGroup refused;
+  EXPECT_FALSE(layer.AddChild(5, &refused)) << "an unknown where links nothing and leaves the art with the caller";
+  layer.AddChild(1, new rv::CRvGroup);
+  auto* foreign = new rv::CRvGroup;
+  other.AddChild(1, foreign);
+  layer.RemoveChild(*other.FindChild(foreign));
+  EXPECT_EQ(other.ChildCount(), 1u);
+  EXPECT_EQ(layer.ChildCount(), 1u);
 }
 
 }  // namespace
