@@ -849,6 +849,82 @@ RV_API uint32_t RvGiCheckTombo(int16_t map);
  *  document stays, active); 0x01000401 when it can't be closed. */
 RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIndex, const double* unitScale);
 
+/* ITW layouts. An ITW file is a layout of text frames and graphics whose
+ * text is stored as characters placed in four-cornered cells; the import
+ * draws each character from a font. Everything lands in one new layer at the
+ * front of the document, with the default name that RvGiCreateLayer gives:
+ *  - a text frame becomes a group (last child of the layer) holding the
+ *    frame's outline (a closed path, attribute flags 1, stroked red "Frame":
+ *    the four corners, or for a bulged frame a ring sector of two straight
+ *    sides and two arc chains about one centre), its baselines when the frame
+ *    asks for them (open paths, attribute flags 21, stroked blue "Vertical
+ *    BaseLine" / "Horizontal BaseLine"), and one compound per character;
+ *  - a graphic record becomes a group whose bounds are the rectangle of its
+ *    first and third corners, with its baselines and one path (attribute
+ *    flags 7, stroked "R=%d,G=%d,B=%d" in its colour) of straight, arc and
+ *    spline runs;
+ *  - a character's paths have attribute flags 7 and are filled and stroked
+ *    in the character's colour, named "R=%d,G=%d,B=%d".
+ * The layer's bounds are those of its groups, widened by 1.0 on every side
+ * (an empty layer: top 1, left -1, right 1, bottom -1).
+ *
+ * Fonts. A character names a record of the file's font table:
+ *  - stroke fonts (kind 0) are looked up by code and sub-number in
+ *    userFontFolder + file + ".TBW" / ".DAW", then, for sub-number 0, by code
+ *    in the ".TBL" / ".DAT" of userFontFolder when the font's file name
+ *    contains "USER", else of fontFolder; in vertical writing some codes are
+ *    replaced by their vertical forms first. A character with a non-zero
+ *    sub-number that isn't found is drawn as a red cross ("Warning") over its
+ *    cell and makes the result 32;
+ *  - symbol fonts (any kind but 0 and 1) come from the ".TBL" / ".DAT" of
+ *    userFontFolder when the file name contains "KAMON3", else of fontFolder;
+ *  - installed fonts (kind 1) are outline fonts of this system, found by
+ *    family name through fontconfig (the name is Shift-JIS text; a leading
+ *    '@' asks for the vertical face) and read through FreeType. Character
+ *    codes are JIS codes, turned to Shift-JIS; codes below 128 stay and codes
+ *    30242 to 30589 go to the user-defined area. Each contour becomes a closed
+ *    path of straight pieces, quadratic pieces being sampled at eight points.
+ * Choices of this library:
+ *  - font index files are plain only when their path contains "USER" (a
+ *    ".TBL" also "KAMON"); other index files are stored scrambled through
+ *    substitution tables that this library doesn't hold, and such a font
+ *    counts as not found (its characters are skipped, or crossed as above);
+ *  - a font or font file name of 50 bytes or more in the font table refuses
+ *    the file with 0x07007001;
+ *  - a run of stroke data that lies outside its data file counts as not
+ *    found; stroke data that ends without its end mark ends where it ends;
+ *  - an installed font whose family isn't installed is replaced by the face
+ *    that fontconfig offers for it (preferring faces with Japanese glyphs); a
+ *    character that no face has a glyph for is skipped;
+ *  - a vertical face gives the glyph of the horizontal face turned a quarter
+ *    turn, which the import turns back: the character stands upright in its
+ *    cell. Vertical alternates (rotated brackets, moved punctuation) aren't
+ *    substituted;
+ *  - the multibyte code page of installed-font codes is always Shift-JIS;
+ *  - the arc components of this import are chains, in which a piece runs
+ *    from one point's `from` to the next point's (or to the first point of
+ *    the next component); every arc point also gets that end as its `to`
+ *    and the angle between as its `sweep` (Library extension), so that the
+ *    curve conversions draw the same pieces. */
+
+/** Imports the ITW file path. fontFolder and userFontFolder: the folders of
+ *  the font files, ending in a separator, for a font file name is joined to
+ *  them directly (null counts as empty). mode 0: into a new document, whose
+ *  index goes to *documentIndex (if not null); else into the document
+ *  *documentIndex, which becomes active (bad index or null pointer:
+ *  0x09001D01). *fileByte receives the byte at offset 77 of the file as soon
+ *  as the head has been read, also when the import fails later (a null
+ *  fileByte is allowed: Library extension). Results: 0; 32 when a character
+ *  was missing from its stroke font (see above; the import is complete);
+ *  0x01000201 when the file can't be opened (with mode 0 the new empty
+ *  document stays, active); 0x01000301 when a record runs past the end of
+ *  the file; 0x07001E01 for a wrong file mark ("IW") or font record mark;
+ *  0x07007001 for a font or file name of 50 bytes or more; 0x07001001 when an
+ *  art can't be made while a stroke character is drawn. Nothing read before
+ *  a failure is undone. */
+RV_API uint32_t RvImItwToRIF(const char* path, const char* fontFolder, const char* userFontFolder, int16_t mode,
+                             int16_t* documentIndex, int16_t* fileByte);
+
 /* ======================================================================
  * Plot output
  * ====================================================================== */

@@ -7,6 +7,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   libpugixml-dev libpolyclipping-dev
   libcairo2-dev libcli11-dev
+  libfreetype-dev libfontconfig-dev fonts-ipafont-gothic
 )
 
 missing=()

@@ -87,7 +87,8 @@ namespace rv {
 /// CMX import.
 #define RV_ERROR_CODES_CMX(X)
 /// ITW import and fonts.
-#define RV_ERROR_CODES_ITW(X)
+#define RV_ERROR_CODES_ITW(X) \
+  X(kErrItwNameLength, 0x07007001u, "a font or font file name in the ITW font table is 50 bytes or longer")
 /// Tombo sort and preference files.
 #define RV_ERROR_CODES_PREFS(X) \
   X(kErrTomboPoints, 0x0A002001u, "the register mark record is null or its count is outside 0 to 2500")

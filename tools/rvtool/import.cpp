@@ -51,7 +51,24 @@ uint32_t ImportPlot(const std::string& path, double unitScale, int16_t* index) {
   return RvImPLTToRIF(path.c_str(), 0, index, &unitScale);
 }
 
+// ITW layouts begin with "IW"; their font files lie in the layout's own
+// folder. A character missing from its font is drawn as a cross, and the
+// import counts as done.
+bool ItwHead(const FileHead& head) { return head.size >= 2 && head.bytes[0] == 'I' && head.bytes[1] == 'W'; }
+
+uint32_t ImportItw(const std::string& path, double, int16_t* index) {
+  constexpr uint32_t kMissingCharacter = 32;
+  std::string folder = std::filesystem::path(path).parent_path().string();
+  folder += folder.empty() ? "./" : "/";
+  int16_t fileByte = 0;
+  const uint32_t code = RvImItwToRIF(path.c_str(), folder.c_str(), folder.c_str(), 0, index, &fileByte);
+  if (code != kMissingCharacter) return code;
+  std::fprintf(stderr, "rvtool: '%s': characters missing from their fonts are drawn as crosses\n", path.c_str());
+  return 0;
+}
+
 constexpr Importer kImporters[] = {
+    {"ITW layout", ItwHead, ImportItw},
     {"plot file", AnyHead, ImportPlot},
 };
 
