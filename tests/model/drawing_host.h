@@ -56,35 +56,36 @@ inline std::string ColorName(int16_t use, void* art) {
 inline V Rect(const RVRECT& r) { return {r.top, r.left, r.right, r.bottom}; }
 
 using rvtest::Children;
+using rvtest::ComponentText;
 /// The same list walked backwards from the last child.
 inline Arts ChildrenBackwards(void* last) {
   Arts out;
   for (; last != nullptr && out.size() < 100000; last = Read(RvGiGetArtPreSibling, last)) out.insert(out.begin(), last);
   return out;
 }
-/// Anchors x of a Bezier component; with `all`, every field of every record.
-inline V Anchors(void* bezier, bool all = false) {
+/// Anchors x of a Bezier component (ComponentText gives every field).
+inline V Anchors(void* bezier) {
   V out;
   for (int32_t i = 0; i < Read(RvGiGetPathSegmentCount, bezier); ++i) {
     RVBEZIERPOINT p{};
     EXPECT_EQ(RvGiGetBezierPoint(bezier, i, &p), 0u);
-    if (all) {
-      out.insert(out.end(), {p.anchor.x, p.anchor.y, p.in.x, p.in.y, p.out.x, p.out.y});
-    } else {
-      out.push_back(p.anchor.x);
-    }
+    out.push_back(p.anchor.x);
   }
   return out;
 }
 
-/// A fresh store with one document, active, without layers.
+/// A fresh store with one document, active, without layers; every test
+/// ends with the frame stack empty.
 class Drawing : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(RvGiDeleteAllDocuments(), 0u);
     ASSERT_EQ(RvGiCreateDocument(0, &m_doc), 0u);
   }
-  void TearDown() override { RvGiDeleteAllDocuments(); }
+  void TearDown() override {
+    RvGiDeleteAllDocuments();
+    EXPECT_EQ(g_ExceptionContext, nullptr);
+  }
 
   static void* Layer(int16_t where = 1, void* reference = nullptr) {
     void* layer = nullptr;

@@ -52,9 +52,10 @@ T* Add(CRvArt& parent, T* child) {
 class RefMap : public ::testing::Test {
  protected:
   void SetUp() override { ASSERT_EQ(RvGiDeleteRefMapTable(), 0u); }
-  void TearDown() override {
+  void TearDown() override {  // every test ends with the frame stack empty
     RvGiDeleteRefMapTable();
     RvGiSetRefMapTileIndex(-1);
+    EXPECT_EQ(g_ExceptionContext, nullptr);
   }
   // A new table with (key, info, art) filed in turn.
   static int16_t NewTable(Rows rows = {}) {
@@ -157,7 +158,6 @@ TEST_F(RefMap, TracesFollowTheCutOrderMasksAndCollectsTheKeyOrder) {
     EXPECT_EQ(state, after);
   }
   EXPECT_EQ(order.arts, (Arts{&b_, &c_}));
-  EXPECT_EQ(g_ExceptionContext, nullptr);
 }
 
 TEST_F(RefMap, DrillingReachesOnlyPathsBelowGroups) {
@@ -347,7 +347,6 @@ TEST_F(RefMap, TableIndexesOutsideTheListThrowAndTheLibraryGoesOn) {
   EXPECT_THROW(RvGiChangeCutOrder(3, "k", 0), std::out_of_range);
   EXPECT_THROW(RvGiDeleteSpecificRefMapTable(3), std::out_of_range);
   EXPECT_THROW(Store().GetReversed(3), std::out_of_range);
-  EXPECT_EQ(g_ExceptionContext, nullptr);
   EXPECT_THROW(RvGiRefMapTableUniqTrace(4, &r, Record), std::out_of_range);
   EXPECT_EQ(RvGiAddRefMapData(0, "k", 2, &a_), 0u);
   EXPECT_EQ(Trace(0, 0, 1), (Arts{&a_}));
