@@ -849,6 +849,37 @@ RV_API uint32_t RvGiCheckTombo(int16_t map);
  *  document stays, active); 0x01000401 when it can't be closed. */
 RV_API uint32_t RvImPLTToRIF(const char* path, int16_t mode, int16_t* documentIndex, const double* unitScale);
 
+/* CL files (router jobs) speak the same languages and go through the same
+ * reading as plot files, with the same rules for closing, colours and
+ * flags. The import builds its paths in the working layer
+ * "CLTempFileLayer" and then copies each of them, in order, into the result
+ * layer, made in front of it: there a path has exactly one component, a
+ * Bezier, into which the path's Bezier components are joined and its arcs
+ * turned into Bezier points (pieces of at most 60 degrees, so a circle gives
+ * seven points); where a line and an arc meet, their shared point stands
+ * twice. A copy keeps the closed flag, the attribute flags, the colours, the
+ * bounds and the matrix of its source, but no path element values and no
+ * plot info. After an import the document holds the result layer at index
+ * 0, "CLTempFileLayer" at index 1, and the layers it had before behind them;
+ * the working layer stays, for the router (RvExCLCreateHatching).
+ * The path element values (VT with JT) are set on a path that a pen-up move
+ * ends; a path that only the end of the file ends gets none. */
+
+/** Imports the CL file path. mode 0: every document is deleted first
+ *  (RvGiDeleteAllDocuments, also when the file then can't be opened), and
+ *  the import goes into a new document, whose index goes to *documentIndex
+ *  (if not null); else into the document *documentIndex, which becomes
+ *  active (bad index or null pointer: 0x09001D01). unitScale as for
+ *  RvImPLTToRIF. layerName: the name of the result layer; null selects
+ *  "CLPlotFileLayer", any other text is taken as it stands, the empty one
+ *  too. Results: 0; the bare value 1 when the file draws nothing (the
+ *  document then holds the empty working layer and no result layer);
+ *  0x01000201 when the file can't be opened; 0x01000401 when it can't be
+ *  closed; 0x08000E01 when an arc is too large to convert. What was copied
+ *  before a failure stays. */
+RV_API uint32_t RvImCLToRIF(const char* path, int16_t mode, int16_t* documentIndex, const double* unitScale,
+                            const char* layerName);
+
 /* ======================================================================
  * Plot output
  * ====================================================================== */
@@ -1036,6 +1067,87 @@ typedef struct RVCONTOURINFO {
   char logFolder[1024];
   int32_t cornerLines;         /**< 1: make corner lines; RvInitializeContourInfo leaves it alone */
 } RVCONTOURINFO;
+
+/* ---- Cut preview of a plot job ----
+ * The host shows what a job will cut as flat point lists that fit its
+ * window, one list per pass of the tool. The order of calls:
+ * RvExCLConvertToBezierArt, RvExCLSetCutPreviewMatrix,
+ * RvExCLMakeCutPreviewData, the getters, and RvExCLInitializeCutPreviewData
+ * when the preview closes. The library keeps the passes and points (one
+ * store for the process) from RvExCLMakeCutPreviewData until
+ * RvExCLInitializeCutPreviewData, and owns them; a second
+ * RvExCLMakeCutPreviewData appends. The getters copy into arrays that belong
+ * to the host and that the host sized by RvExCLGetCutPreviewDataCount;
+ * nothing the host receives needs to be freed. A null output is skipped. */
+
+/** One pass of the preview: one component of a path. */
+typedef struct RVCUTPREVIEWPASS {
+  int32_t pointCount; /**< points of this pass in the point list */
+  int32_t clockwise;  /**< 1 when the component runs clockwise (y up) */
+  int32_t closed;     /**< the path is closed */
+  uint16_t passType;  /**< by the path element values (element, value):
+                           0 element -1; 1 (0, 0); 2 (0, 1); 3 any other */
+} RVCUTPREVIEWPASS;
+
+/** Builds the layer "PreviewDataLayer" in front of the active document's
+ *  layers from "KFPlotFileLayer": each path (those of compounds inside a new
+ *  compound; groups and other arts are left out) is copied with its closed
+ *  flag, attribute flags and path element values, and its components are
+ *  joined into one Bezier, arcs as Bezier points (as in RvImCLToRIF). The
+ *  bounds of the copy are stored as the bounding box of the copy and of the
+ *  original path. Library choice: a path without path element values (one
+ *  that wasn't read from a plot file) reads as element -1, value 0.
+ *  0x03001001 when there is no layer "KFPlotFileLayer", 0x09001D01 without an
+ *  active document, 0x08000E01 for an arc too large to convert. */
+RV_API uint32_t RvExCLConvertToBezierArt(void);
+
+/** Fits the job into a window of width x height units with a margin of 10
+ *  on each side. The job's bounds are the union of all zeros (so the origin
+ *  always lies inside) with the bounds of the paths of "KFPlotFileLayer"
+ *  (also inside compounds) that have attribute flag 2 and not 16. With w, h
+ *  the bounds' extents (exchanged for orientation 1), the scale is the
+ *  smaller of (height - 20)/h and (width - 20)/w, and the job is centred in
+ *  width - 1 by height - 1; scale and centring offsets are rounded to single
+ *  precision. orientation 2 keeps y upward; 0 turns it downward for a
+ *  screen; 1 turns the job a quarter turn counter-clockwise first, then y
+ *  downward. An empty job gives extents of 0 and a scale that isn't finite:
+ *  the host doesn't set a matrix for it. 0x03001001 without
+ *  "KFPlotFileLayer" (0x09001D01 without an active document). The art's own matrix plays no part in the preview: the
+ *  copies are taken as unrotated. */
+RV_API uint32_t RvExCLSetCutPreviewMatrix(uint16_t orientation, double width, double height);
+
+/** Makes the document documentIndex active and appends one pass per
+ *  Bezier or arc component of the paths of "PreviewDataLayer" (those of
+ *  compounds in their place), in order, stopping at the first path with
+ *  attribute flag 16. A pass holds, for each curve from a point to the next
+ *  (a closed path also from its last point to its first), the points of the
+ *  curve mapped by the matrix and flattened with maxLength 5.0 and tolerance
+ *  0.3 (its first point, then the ends of its chords): the end of one curve
+ *  and the start of the next stand twice. 0x09001D01 for a bad document,
+ *  0x03001001 without "PreviewDataLayer", 0x08000E01 for a curve too large;
+ *  the passes made before a failure stay. */
+RV_API uint32_t RvExCLMakeCutPreviewData(uint16_t documentIndex);
+
+/** *passCount := the number of passes, *pointCount := the number of points
+ *  of all passes. Always 0. */
+RV_API uint32_t RvExCLGetCutPreviewDataCount(int32_t* passCount, int32_t* pointCount);
+
+/** Copies every pass, in order, into passes[0 .. passCount - 1]. Always 0. */
+RV_API uint32_t RvExCLGetCutPreviewData(RVCUTPREVIEWPASS* passes);
+
+/** The pass index: its point count, clockwise and closed (0 or 1) and pass
+ *  type. An index below 0 or beyond the last pass gives four zeros. Always
+ *  0. */
+RV_API uint32_t RvExCLGetCutPreviewDataPerPass(int32_t index, int32_t* pointCount, uint8_t* clockwise,
+                                               uint8_t* closed, uint16_t* passType);
+
+/** Copies the points of all passes, one pass after the other, into
+ *  points[0 .. pointCount - 1]. Always 0. */
+RV_API uint32_t RvExCLGetCutPreviewPointData(RVPOINT* points);
+
+/** Drops every pass and point, then deletes the active document (its code:
+ *  0x09001D01 when none is active; the data are dropped all the same). */
+RV_API uint32_t RvExCLInitializeCutPreviewData(void);
 
 /* ======================================================================
  * Cut conditions
