@@ -2,13 +2,14 @@
 #include <string>
 
 #include "conditions/cut_cdn_mng.h"
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace {
 
 using rv::CRvCutCdnMng;
 
-const uint32_t kNotInTable = rv::ErrCode(6, 16);
+const uint32_t kNotInTable = rv::kErrNullArt;
 
 rv::CRvCutCdnMng& Manager() { return CRvCutCdnMng::Instance(); }
 

@@ -11,13 +11,13 @@
 
 #include "conditions/cond_text.h"
 #include "conditions/xml_access.h"
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace rv {
 namespace {
 
-constexpr uint32_t kTableNotEmpty = 65535;
-const uint32_t kNotInTable = ErrCode(6, 16);
+const uint32_t kNotInTable = kErrNullArt;
 constexpr char kCurrentTQFile[] = "CurrentTQCondition.xml";
 constexpr std::size_t kCsvLine = 1048;
 
@@ -374,7 +374,7 @@ uint32_t CRvCutCdnMng::TraceNames(const NameVisitor& visit) const {
 
 uint32_t CRvCutCdnMng::Load(uint16_t type, const std::string& path) {
   return Guard([&] {
-    if (!m_mediaOrder.empty() || !m_media.empty()) Raise(kTableNotEmpty);
+    if (!m_mediaOrder.empty() || !m_media.empty()) Raise(kErrXmlFailed);
     machineType = type;
     Check(ReadFile(path, false));
   });
@@ -457,12 +457,12 @@ uint32_t CRvCutCdnMng::Save(const std::string& path) const {
 
 uint32_t CRvCutCdnMng::LoadFromCSV(uint16_t type, const std::string& csvPath, const std::string& xmlPath) {
   return Guard([&] {
-    if (!m_mediaOrder.empty() || !m_media.empty()) Raise(kTableNotEmpty);
+    if (!m_mediaOrder.empty() || !m_media.empty()) Raise(kErrXmlFailed);
     machineType = type;
     FileCloser csv{std::fopen(csvPath.c_str(), "r")};
     struct stat info {};
     if (csv.file == nullptr || fstat(fileno(csv.file), &info) != 0 || S_ISDIR(info.st_mode)) {
-      Raise(ErrCode(1, 16));
+      Raise(kErrCsvOpen);
     }
     CRvXMLAccess xml;
     Check(xml.Create(machineType));

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "conditions/cond_text.h"
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace rv {
@@ -207,7 +208,7 @@ CRvCutCdnInfo::~CRvCutCdnInfo() = default;
 
 uint32_t CRvCutCdnInfo::Insert(int32_t index, const CondPair& pair, ExtensionForm form) {
   return Guard([&] {
-    if (index < 0 || index > Count() || pair.record == nullptr) Raise(ErrCode(6, 16));
+    if (index < 0 || index > Count() || pair.record == nullptr) Raise(kErrNullArt);
     CRvCutCdnTbl& table = CRvCutCdnTbl::Instance();
     CondPair stored;
     stored.record = table.InternCondition(*pair.record);
@@ -224,7 +225,7 @@ uint32_t CRvCutCdnInfo::Insert(int32_t index, const CondPair& pair, ExtensionFor
 
 uint32_t CRvCutCdnInfo::Erase(int32_t index) {
   return Guard([&] {
-    if (index < 0 || index >= Count()) Raise(ErrCode(6, 16));
+    if (index < 0 || index >= Count()) Raise(kErrNullArt);
     m_repeats.erase(m_repeats.begin() + index);
     m_forms.erase(m_forms.begin() + index);
   });
@@ -232,7 +233,7 @@ uint32_t CRvCutCdnInfo::Erase(int32_t index) {
 
 uint32_t CRvCutCdnInfo::Get(int32_t index, CondPair& pair) const {
   return Guard([&] {
-    if (index < 0 || index >= Count()) Raise(ErrCode(6, 16));
+    if (index < 0 || index >= Count()) Raise(kErrNullArt);
     pair = m_repeats[std::size_t(index)];
   });
 }

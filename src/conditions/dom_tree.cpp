@@ -6,24 +6,18 @@
 #include <pugixml.hpp>
 #include <sys/stat.h>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace rv {
 namespace {
-
-constexpr uint32_t kNoDocument = 11;
-constexpr uint32_t kNullNode = 12;
-constexpr uint32_t kLoadFailed = 13;
-constexpr uint32_t kSaveFailed = 14;
-constexpr uint32_t kMissing = 15;
-constexpr uint32_t kDomFailed = 65535;
 
 std::string Utf8(std::wstring_view text) { return pugi::as_utf8(std::wstring(text)); }
 
 pugi::xml_node Node(DOMNode node) { return pugi::xml_node(node); }
 
 void NeedNode(DOMNode node) {
-  if (node == nullptr) Raise(kNullNode);
+  if (node == nullptr) Raise(kErrXmlNullNode);
 }
 
 // The next node after `node` in document order inside the subtree of `top`.
@@ -68,7 +62,7 @@ bool IsWellFormedTop(const pugi::xml_document& document) {
 pugi::xml_node MakeElement(pugi::xml_node element, const wchar_t* text) {
   if (text != nullptr) {
     pugi::xml_node data = element.append_child(pugi::node_pcdata);
-    if (!data || !data.set_value(Utf8(text).c_str())) Raise(kDomFailed);
+    if (!data || !data.set_value(Utf8(text).c_str())) Raise(kErrXmlFailed);
   }
   return element;
 }
@@ -108,9 +102,9 @@ uint32_t DOMTree::Create() {
 
 uint32_t DOMTree::WriteDeclaration() {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     pugi::xml_node decl = m_document->append_child(pugi::node_declaration);
-    if (!decl) Raise(kDomFailed);
+    if (!decl) Raise(kErrXmlFailed);
     decl.append_attribute("version").set_value("1.0");
     decl.append_attribute("encoding").set_value("utf-8");
   });
@@ -118,25 +112,25 @@ uint32_t DOMTree::WriteDeclaration() {
 
 uint32_t DOMTree::CreateRoot(std::wstring_view name, DOMNode* node) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
-    if (name.empty()) Raise(kDomFailed);
+    if (!m_document) Raise(kErrXmlNoDocument);
+    if (name.empty()) Raise(kErrXmlFailed);
     if (pugi::xml_node former = m_document->document_element()) m_document->remove_child(former);
     ForgetFound();
     pugi::xml_node root = m_document->append_child(Utf8(name).c_str());
-    if (!root) Raise(kDomFailed);
+    if (!root) Raise(kErrXmlFailed);
     *node = root.internal_object();
   });
 }
 
 uint32_t DOMTree::CreateChild(DOMNode parent, std::wstring_view name, const wchar_t* text, DOMNode* node) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(parent);
-    if (name.empty()) Raise(kDomFailed);
+    if (name.empty()) Raise(kErrXmlFailed);
     std::string key = Utf8(name);
     ForgetFound(key, parent);
     pugi::xml_node child = Node(parent).append_child(key.c_str());
-    if (!child) Raise(kDomFailed);
+    if (!child) Raise(kErrXmlFailed);
     *node = MakeElement(child, text).internal_object();
   });
 }
@@ -144,69 +138,69 @@ uint32_t DOMTree::CreateChild(DOMNode parent, std::wstring_view name, const wcha
 uint32_t DOMTree::InsertChildBefore(DOMNode reference, std::wstring_view name, const wchar_t* text,
                                     DOMNode* node) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(reference);
     pugi::xml_node parent = Node(reference).parent();
-    if (name.empty() || parent.type() != pugi::node_element) Raise(kDomFailed);
+    if (name.empty() || parent.type() != pugi::node_element) Raise(kErrXmlFailed);
     std::string key = Utf8(name);
     ForgetFound(key, nullptr);
     pugi::xml_node child = parent.insert_child_before(key.c_str(), Node(reference));
-    if (!child) Raise(kDomFailed);
+    if (!child) Raise(kErrXmlFailed);
     *node = MakeElement(child, text).internal_object();
   });
 }
 
 uint32_t DOMTree::Load(const std::string& path) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     ForgetFound();
     constexpr unsigned kFlags = pugi::parse_default | pugi::parse_declaration | pugi::parse_pi |
                                 pugi::parse_comments | pugi::parse_ws_pcdata | pugi::parse_doctype;
     std::vector<char> bytes;
     if (!ReadRegularFile(path, bytes)) {
       m_document->reset();
-      Raise(kLoadFailed);
+      Raise(kErrXmlLoad);
     }
     pugi::xml_parse_result result = m_document->load_buffer(bytes.data(), bytes.size(), kFlags, pugi::encoding_auto);
     if (!result || !IsWellFormedTop(*m_document)) {
       m_document->reset();
-      Raise(kLoadFailed);
+      Raise(kErrXmlLoad);
     }
   });
 }
 
 uint32_t DOMTree::Save(const std::string& path) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     constexpr unsigned kFlags = pugi::format_raw | pugi::format_no_declaration;
     if (!m_document->save_file(path.c_str(), PUGIXML_TEXT(""), kFlags, pugi::encoding_utf8)) {
-      Raise(kSaveFailed);
+      Raise(kErrXmlSave);
     }
   });
 }
 
 uint32_t DOMTree::GetRoot(DOMNode* node) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     pugi::xml_node root = m_document->document_element();
-    if (!root) Raise(kMissing);
+    if (!root) Raise(kErrXmlMissing);
     *node = root.internal_object();
   });
 }
 
 uint32_t DOMTree::GetNodeName(DOMNode node, std::wstring* name) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(node);
     const char* text = Node(node).name();
-    if (text == nullptr || *text == '\0') Raise(kMissing);
+    if (text == nullptr || *text == '\0') Raise(kErrXmlMissing);
     *name = pugi::as_wide(text);
   });
 }
 
 uint32_t DOMTree::CountElements(DOMNode node, std::wstring_view name, int32_t* count) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(node);
     std::string wanted = Utf8(name);
     pugi::xml_node top = Node(node);
@@ -214,16 +208,16 @@ uint32_t DOMTree::CountElements(DOMNode node, std::wstring_view name, int32_t* c
     for (pugi::xml_node it = NextInSubtree(top, top); it; it = NextInSubtree(it, top)) {
       if (it.type() == pugi::node_element && wanted == it.name()) ++n;
     }
-    if (n > INT32_MAX) Raise(kDomFailed);
+    if (n > INT32_MAX) Raise(kErrXmlFailed);
     *count = int32_t(n);
   });
 }
 
 uint32_t DOMTree::GetElementAt(DOMNode node, std::wstring_view name, int32_t index, DOMNode* found) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(node);
-    if (index < 0) Raise(kMissing);
+    if (index < 0) Raise(kErrXmlMissing);
     std::string wanted = Utf8(name);
     pugi::xml_node top = Node(node);
     // Go on from a remembered answer at or below the index, if there is one.
@@ -265,13 +259,13 @@ uint32_t DOMTree::GetElementAt(DOMNode node, std::wstring_view name, int32_t ind
         ++seen;
       }
     }
-    Raise(kMissing);
+    Raise(kErrXmlMissing);
   });
 }
 
 uint32_t DOMTree::GetText(DOMNode node, std::wstring* text) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(node);
     pugi::xml_node top = Node(node);
     std::string all;
@@ -285,23 +279,23 @@ uint32_t DOMTree::GetText(DOMNode node, std::wstring* text) {
 
 uint32_t DOMTree::GetAttribute(DOMNode node, std::wstring_view name, std::wstring* value) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(node);
     pugi::xml_attribute attr = Node(node).attribute(Utf8(name).c_str());
-    if (!attr) Raise(kDomFailed);
+    if (!attr) Raise(kErrXmlFailed);
     *value = pugi::as_wide(attr.value());
   });
 }
 
 uint32_t DOMTree::SetAttribute(DOMNode node, std::wstring_view name, std::wstring_view value) {
   return Guard([&] {
-    if (!m_document) Raise(kNoDocument);
+    if (!m_document) Raise(kErrXmlNoDocument);
     NeedNode(node);
-    if (name.empty() || Node(node).type() != pugi::node_element) Raise(kDomFailed);
+    if (name.empty() || Node(node).type() != pugi::node_element) Raise(kErrXmlFailed);
     std::string key = Utf8(name);
     pugi::xml_attribute attr = Node(node).attribute(key.c_str());
     if (!attr) attr = Node(node).append_attribute(key.c_str());
-    if (!attr || !attr.set_value(Utf8(value).c_str())) Raise(kDomFailed);
+    if (!attr || !attr.set_value(Utf8(value).c_str())) Raise(kErrXmlFailed);
   });
 }
 

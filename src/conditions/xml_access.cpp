@@ -7,12 +7,12 @@
 #include <type_traits>
 #include <vector>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace rv {
 namespace {
 
-constexpr uint32_t kMissing = 15;
 constexpr std::size_t kMaxTextChars = 255;  // one element's text, as the reading buffer bounds it
 
 struct Family {
@@ -161,7 +161,7 @@ double CoatingWordValue(const std::wstring& word) {
   for (const CoatingWord& w : kCoatingWords) {
     if (word == w.text) return w.value;
   }
-  Raise(kMissing);
+  Raise(kErrXmlMissing);
 }
 
 // ---- element access -----------------------------------------------------
@@ -202,7 +202,7 @@ class Reader {
     Check(m_tree.GetElementAt(m_parent, name, 0, &node));
     std::wstring text;
     Check(m_tree.GetText(node, &text));
-    if (text.empty()) Raise(kMissing);
+    if (text.empty()) Raise(kErrXmlMissing);
     if (text.size() > kMaxTextChars) text.resize(kMaxTextChars);
     return text;
   }
@@ -396,7 +396,7 @@ uint32_t CRvXMLAccess::Open(uint16_t machineType, const std::string& path) {
     Check(m_tree.GetNodeName(root, &name));
     bool accepted = name == RootElementOf(machineType) || (machineType == 2 && name == L"WDCutConditionList") ||
                     (machineType == 5 && path.find("CurrentTQCondition.xml") != std::string::npos);
-    if (!accepted) Raise(kMissing);
+    if (!accepted) Raise(kErrXmlMissing);
     std::wstring version;
     Check(m_tree.GetAttribute(root, L"version", &version));
     m_version = version.substr(0, 12);
@@ -448,7 +448,7 @@ uint32_t CRvXMLAccess::WriteCondition(int32_t mediaIndex, int32_t pass, const Co
     const RootRules rules = RulesOfRoot(m_tree, &root);
 
     uint32_t code = m_tree.GetElementAt(root, L"CutCondition", mediaIndex, &media);
-    if (code == kMissing) {
+    if (code == kErrXmlMissing) {
       Check(m_tree.CreateChild(root, L"CutCondition", nullptr, &media));
     } else {
       Check(code);
@@ -460,7 +460,7 @@ uint32_t CRvXMLAccess::WriteCondition(int32_t mediaIndex, int32_t pass, const Co
       if (rules.hasThickness) head(L"Thickness", r.Thickness);
     }
     code = m_tree.GetElementAt(media, L"Condition", pass, &condition);
-    if (code == kMissing) {
+    if (code == kErrXmlMissing) {
       Check(m_tree.CreateChild(media, L"Condition", nullptr, &condition));
     } else {
       Check(code);
@@ -507,7 +507,7 @@ uint32_t CRvXMLAccess::WriteFavorite(int32_t list, int32_t /*index*/, const Favo
     DOMNode root = nullptr, listNode = nullptr, node = nullptr;
     Check(m_tree.GetRoot(&root));
     uint32_t code = m_tree.GetElementAt(root, f.list, 0, &listNode);
-    if (code == kMissing) {
+    if (code == kErrXmlMissing) {
       Check(m_tree.CreateChild(root, f.list, nullptr, &listNode));
     } else {
       Check(code);

@@ -2,17 +2,11 @@
 
 #include <cstring>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/data_access.h"
 
 namespace rv {
-
-namespace {
-constexpr uint32_t kErrOpen = ErrCode(1, 2);
-constexpr uint32_t kErrShort = ErrCode(1, 3);
-constexpr uint32_t kErrClose = ErrCode(1, 4);
-constexpr uint32_t kErrSeek = ErrCode(1, 5);
-}  // namespace
 
 CRvFormatStrategy::~CRvFormatStrategy() {
   if (m_file != nullptr) std::fclose(m_file);
@@ -26,7 +20,7 @@ uint32_t CRvFormatStrategy::Open(const std::string& path, const std::string& mod
       m_file = nullptr;
     }
     m_file = std::fopen(path.c_str(), binary);
-    if (m_file == nullptr) Raise(kErrOpen);
+    if (m_file == nullptr) Raise(kErrFileOpen);
   });
 }
 
@@ -35,7 +29,7 @@ uint32_t CRvFormatStrategy::Close() {
     if (m_file == nullptr) return;
     std::FILE* file = m_file;
     m_file = nullptr;
-    if (std::fclose(file) != 0) Raise(kErrClose);
+    if (std::fclose(file) != 0) Raise(kErrFileClose);
   });
 }
 
@@ -48,7 +42,7 @@ void CRvFormatStrategy::CloseAfterFailure() noexcept {
 
 uint32_t CRvFormatStrategy::SeekFromStart(long offset) {
   const uint32_t code = Guard([&] {
-    if (m_file == nullptr || std::fseek(m_file, offset, SEEK_SET) != 0) Raise(kErrSeek);
+    if (m_file == nullptr || std::fseek(m_file, offset, SEEK_SET) != 0) Raise(kErrFileSeek);
   });
   if (code != 0) CloseAfterFailure();
   return code;
@@ -56,7 +50,7 @@ uint32_t CRvFormatStrategy::SeekFromStart(long offset) {
 
 uint32_t CRvFormatStrategy::SeekFromCurrent(long offset) {
   const uint32_t code = Guard([&] {
-    if (m_file == nullptr || std::fseek(m_file, offset, SEEK_CUR) != 0) Raise(kErrSeek);
+    if (m_file == nullptr || std::fseek(m_file, offset, SEEK_CUR) != 0) Raise(kErrFileSeek);
   });
   if (code != 0) CloseAfterFailure();
   return code;
@@ -65,9 +59,9 @@ uint32_t CRvFormatStrategy::SeekFromCurrent(long offset) {
 uint32_t CRvFormatStrategy::ReadItems(void* out, std::size_t size, std::size_t count) {
   const uint32_t code = Guard([&] {
     if (count == 0) return;
-    if (m_file == nullptr) Raise(kErrShort);
+    if (m_file == nullptr) Raise(kErrFileShort);
     const std::size_t got = std::fread(out, size, count, m_file);
-    if (got < count) Raise(kErrShort);
+    if (got < count) Raise(kErrFileShort);
     // Files hold their integers little-endian; bring them to machine order.
     auto* bytes = static_cast<uint8_t*>(out);
     for (std::size_t i = 0; i < count; ++i) {
@@ -94,7 +88,7 @@ uint32_t CRvFormatStrategy::ReadU32(uint32_t* out, std::size_t count) { return R
 uint32_t CRvFormatStrategy::WriteBlock(const void* data, std::size_t bytes) {
   const uint32_t code = Guard([&] {
     if (bytes == 0) return;
-    if (m_file == nullptr || std::fwrite(data, 1, bytes, m_file) < bytes) Raise(kErrShort);
+    if (m_file == nullptr || std::fwrite(data, 1, bytes, m_file) < bytes) Raise(kErrFileShort);
   });
   if (code != 0) CloseAfterFailure();
   return code;
@@ -109,7 +103,7 @@ uint32_t CRvFormatStrategy::WriteBlock(const void* data, std::size_t bytes) {
 namespace rv {
 
 uint32_t CRvFile::Import(const char* path, uint16_t mode, int16_t* documentIndex) {
-  if (!m_poFormat) return ErrCode(1, 2);
+  if (!m_poFormat) return kErrFileOpen;
   const uint32_t code = Guard([&] {
     Trace("RvFile::Import\n");
     CRvDataAccess& store = CRvDataAccess::Instance();
@@ -133,7 +127,7 @@ uint32_t CRvFile::Import(const char* path, uint16_t mode, int16_t* documentIndex
 }
 
 uint32_t CRvFile::Export(const char* path, int16_t documentIndex, void* context) {
-  if (!m_poFormat) return ErrCode(1, 2);
+  if (!m_poFormat) return kErrFileOpen;
   const uint32_t code = Guard([&] {
     Trace("RvFile::Export\n");
     CRvDataAccess::Instance().SetActiveDocument(documentIndex);

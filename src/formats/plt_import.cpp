@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/data_access.h"
 
@@ -140,7 +141,7 @@ uint32_t CRvPLTFormat::ImportToRIF() {
   });
 }
 
-uint32_t CRvPLTFormat::ExportFromRIF(void*) { return ErrCode(1, 17); }
+uint32_t CRvPLTFormat::ExportFromRIF(void*) { return kErrNoDirection; }
 
 }  // namespace rv
 

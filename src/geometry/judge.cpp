@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 #include "geometry/convert_pt.h"
@@ -38,8 +39,8 @@ RVBEZIERPOINT Mapped(const RVRIFMATRIX& m, RVBEZIERPOINT p) {
 CoarsePolyline PathPolyline(CRvArt* path, bool withMatrix) {
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* component = store.GetArtFirstChild(path);
-  if (component == nullptr) Raise(ErrCode(5, 13));
-  if (component->GetType() != kArtBezier) Raise(ErrCode(5, 14));
+  if (component == nullptr) Raise(kErrNullPath);
+  if (component->GetType() != kArtBezier) Raise(kErrPathKind);
   const int16_t start = store.GetPathStartSegment(path);
   const RVRIFMATRIX matrix = store.GetArtMatrix(path);
   const std::vector<RVBEZIERPOINT> records = ReadRecords(store, component);
@@ -51,8 +52,8 @@ int32_t JudgeClockwise(CRvArt* component) {
   double sum = 0.0;
   const uint32_t code = Guard([&] {
     CRvDataAccess& store = CRvDataAccess::Instance();
-    if (component == nullptr) Raise(ErrCode(5, 13));
-    if (component->GetType() != kArtBezier) Raise(ErrCode(5, 14));
+    if (component == nullptr) Raise(kErrNullPath);
+    if (component->GetType() != kArtBezier) Raise(kErrPathKind);
     const int16_t start = store.GetPathStartSegment(component);
     const std::vector<RVBEZIERPOINT> records = ReadRecords(store, component);
     sum = OrientationSum(MakeCoarsePolyline(records.data(), int32_t(records.size()), uint16_t(start), nullptr));
@@ -78,8 +79,8 @@ bool JudgeInsidePath(CRvArt* path, CRvArt* outer) {
 }
 
 double PathArea(CRvArt* path) {
-  if (path == nullptr) Raise(ErrCode(5, 13));
-  if (path->GetType() != kArtPath) Raise(ErrCode(5, 14));
+  if (path == nullptr) Raise(kErrNullPath);
+  if (path->GetType() != kArtPath) Raise(kErrPathKind);
   return static_cast<const CRvPath*>(path)->GetArea();
 }
 
@@ -137,7 +138,7 @@ int16_t OptimizeStartSegment(CRvArt* path, const RVRIFMATRIX& matrix, int16_t ty
 void CreateJointSegment(CRvArt* component, int32_t index, RVBEZIERPOINT a, RVBEZIERPOINT b,
                         const RVRIFMATRIX& matrix, double length) {
   RVRIFMATRIX inverse;
-  if (!Invert(matrix, inverse)) Raise(ErrCode(8, 25));
+  if (!Invert(matrix, inverse)) Raise(kErrSingularMatrix);
   RVBEZIERPOINT middle{};
   CRvConvertPt::DivideBezierByLength(a, b, length, middle);
   a = Mapped(inverse, a);

@@ -1,4 +1,5 @@
 // Exported path judgments.
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 #include "geometry/judge.h"
@@ -10,7 +11,7 @@ RV_API int32_t RvMiJudgePathClockwise(void* path, int32_t /*closed*/) { return r
 RV_API uint32_t RvMiJudgeInsidePoint(void* path, const RVPOINT* point, int32_t* inside) {
   return rv::Guard([&] {
     if (inside != nullptr) *inside = 0;
-    if (point == nullptr) rv::Raise(rv::ErrCode(5, 13));
+    if (point == nullptr) rv::Raise(rv::kErrNullPath);
     const bool result = rv::JudgeInsidePoint(rv::ArtOf(path), *point);
     if (inside != nullptr) *inside = result ? 1 : 0;
   });
@@ -56,7 +57,7 @@ RV_API uint32_t RvMiOptimizeStartSegment(void* path, const RVRIFMATRIX* matrix, 
 RV_API void RvMiCreateJointSegment(void* path, int32_t index, const RVBEZIERPOINT* a, const RVBEZIERPOINT* b,
                                    const RVRIFMATRIX* matrix, double length) {
   rv::GuardThenException([&] {
-    if (a == nullptr || b == nullptr || matrix == nullptr) rv::Raise(rv::ErrCode(5, 13));
+    if (a == nullptr || b == nullptr || matrix == nullptr) rv::Raise(rv::kErrNullPath);
     rv::CreateJointSegment(rv::ArtOf(path), index, *a, *b, *matrix, length);
   });
 }

@@ -1,6 +1,7 @@
 // Exported matrix and point functions.
 #include <cmath>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 
@@ -36,7 +37,7 @@ RV_API uint32_t RvMiSetMatrixRotate(RVRIFMATRIX* m, double angle) {
 RV_API uint32_t RvMiSetInvertMatrix(const RVRIFMATRIX* source, RVRIFMATRIX* result) {
   return rv::Guard([&] {
     RVRIFMATRIX inverse;
-    if (!rv::Invert(*source, inverse)) rv::Raise(rv::ErrCode(8, 25));
+    if (!rv::Invert(*source, inverse)) rv::Raise(rv::kErrSingularMatrix);
     *result = inverse;
   });
 }

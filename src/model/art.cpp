@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 
@@ -67,7 +68,7 @@ PlotInfo& CRvArt::EnsurePlotInfo() {
 
 const std::string& CRvArt::GetTag(const std::string& key) const {
   auto it = m_tags.find(key);
-  if (it == m_tags.end()) Raise(ErrCode(6, 26));
+  if (it == m_tags.end()) Raise(kErrNoTag);
   return it->second;
 }
 
@@ -179,7 +180,7 @@ void CRvLayer::SetColorName(const std::string& name) {
 }
 
 const std::string& CRvLayer::GetColorName() const {
-  if (!m_color) Raise(ErrCode(3, 9));
+  if (!m_color) Raise(kErrLayerNoColor);
   return m_color->name;
 }
 
@@ -203,7 +204,7 @@ CRvPath::CRvPath(const CRvPath& source)
 bool CRvPath::Accepts(const CRvArt& child) const { return IsComponentType(child.GetType()); }
 
 bool CRvPath::GetColor(int16_t use, RVCOLOR& out) const {
-  if (use != 1 && use != 2) Raise(ErrCode(5, 9));
+  if (use != 1 && use != 2) Raise(kErrPathColorRead);
   const ColorRecord* record = use == 1 ? m_fill.get() : m_stroke.get();
   if (record == nullptr) return false;
   out.kind = record->kind;
@@ -213,7 +214,7 @@ bool CRvPath::GetColor(int16_t use, RVCOLOR& out) const {
 
 void CRvPath::SetColor(int16_t use, const RVCOLOR& color, const std::string& name) {
   const bool valueKind = color.kind == 0 || color.kind == 1;
-  if (valueKind ? (use != 1 && use != 2) : (use != 1)) Raise(ErrCode(5, 10));
+  if (valueKind ? (use != 1 && use != 2) : (use != 1)) Raise(kErrPathColorWrite);
   std::unique_ptr<ColorRecord>& record = use == 1 ? m_fill : m_stroke;
   if (!record) record = std::make_unique<ColorRecord>();
   record->kind = color.kind;
@@ -222,13 +223,13 @@ void CRvPath::SetColor(int16_t use, const RVCOLOR& color, const std::string& nam
 }
 
 void CRvPath::SetColorName(int16_t use, const std::string& name) {
-  if (use != 1 && use != 2) Raise(ErrCode(6, 10));
+  if (use != 1 && use != 2) Raise(kErrArtColorWrite);
   std::unique_ptr<ColorRecord>& record = use == 1 ? m_fill : m_stroke;
   if (record) record->name = name;
 }
 
 std::string CRvPath::GetColorName(int16_t use) const {
-  if (use != 1 && use != 2) Raise(ErrCode(5, 9));
+  if (use != 1 && use != 2) Raise(kErrPathColorRead);
   const ColorRecord* record = use == 1 ? m_fill.get() : m_stroke.get();
   return record ? record->name : std::string("None");
 }

@@ -1,5 +1,6 @@
 #include "model/art_cmd.h"
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/data_access.h"
 #include "model/document.h"
@@ -7,12 +8,12 @@
 namespace rv {
 
 CRvArt& NeedArt(CRvArt* art) {
-  if (art == nullptr) Raise(ErrCode(6, 16));
+  if (art == nullptr) Raise(kErrNullArt);
   return *art;
 }
 
 const CRvArt& NeedArt(const CRvArt* art) {
-  if (art == nullptr) Raise(ErrCode(6, 16));
+  if (art == nullptr) Raise(kErrNullArt);
   return *art;
 }
 
@@ -23,31 +24,31 @@ LinkPlan CRvArtCmd::PlanLink(CRvRIFMemoryData& document, int16_t position, CRvAr
   switch (position) {
     case 0:
     case 3: {
-      if (reference != nullptr) Raise(ErrCode(3, 13));
+      if (reference != nullptr) Raise(kErrReference);
       // The current layer index survives the deletion of layers; one that
       // now points past the list can't take arts.
       CRvLayer* layer = document.GetLayer(document.m_currentLayer);
-      if (layer == nullptr) Raise(ErrCode(3, 6));
+      if (layer == nullptr) Raise(kErrNoLayer);
       plan.parent = layer;
       plan.where = position == 0 ? 0 : 1;
       return plan;
     }
     case 1:
     case 2: {
-      if (reference == nullptr) Raise(ErrCode(3, 13));
+      if (reference == nullptr) Raise(kErrReference);
       CRvArt* parent = reference->m_parent;
-      if (parent == nullptr) Raise(ErrCode(3, 16));
+      if (parent == nullptr) Raise(kErrNullLayer);
       // A reference that its parent doesn't hold (one that a filter refused)
       // gives no place to link at: treated as having no parent.
       plan.node = parent->FindChild(reference);
-      if (!plan.node) Raise(ErrCode(3, 16));
+      if (!plan.node) Raise(kErrNullLayer);
       plan.parent = parent;
       plan.where = position == 1 ? 3 : 2;
       return plan;
     }
     case 4:
     case 5:
-      if (reference == nullptr) Raise(ErrCode(3, 13));
+      if (reference == nullptr) Raise(kErrReference);
       plan.parent = reference;
       plan.where = position == 4 ? 0 : 1;
       return plan;
@@ -77,8 +78,8 @@ CRvArt* CRvArtCmd::Commit(CRvDataAccess& store, std::unique_ptr<CRvArt> art, con
 
 CRvArt* CRvArtCmd::CreateArt(CRvDataAccess& store, int16_t type, int16_t position, CRvArt* reference) const {
   CRvRIFMemoryData& document = store.ActiveDocument();
-  if (document.GetLayerCount() == 0) Raise(ErrCode(3, 6));
-  if (type < kArtGroup || type > kArtSpline) Raise(ErrCode(6, 13));
+  if (document.GetLayerCount() == 0) Raise(kErrNoLayer);
+  if (type < kArtGroup || type > kArtSpline) Raise(kErrArtType);
   const LinkPlan plan = PlanLink(document, position, reference);
   return Commit(store, MakeArt(type), plan);
 }
@@ -86,17 +87,17 @@ CRvArt* CRvArtCmd::CreateArt(CRvDataAccess& store, int16_t type, int16_t positio
 CRvArt* CRvArtCmd::CopyArt(CRvDataAccess& store, int16_t type, int16_t position, CRvArt* reference,
                            const CRvArt* source) const {
   CRvRIFMemoryData& document = store.ActiveDocument();
-  if (document.GetLayerCount() == 0) Raise(ErrCode(3, 6));
-  if (type < kArtGroup || type > kArtPath) Raise(ErrCode(6, 13));
-  if (source == nullptr) Raise(ErrCode(6, 16));
+  if (document.GetLayerCount() == 0) Raise(kErrNoLayer);
+  if (type < kArtGroup || type > kArtPath) Raise(kErrArtType);
+  if (source == nullptr) Raise(kErrNullArt);
   // The copy is made by the class of `type`, which the source must have.
-  if (source->GetType() != type) Raise(ErrCode(6, 13));
+  if (source->GetType() != type) Raise(kErrArtType);
   const LinkPlan plan = PlanLink(document, position, reference);
   return Commit(store, rv::CopyArt(*source), plan);
 }
 
 void CRvArtCmd::DeleteArt(CRvDataAccess& store, CRvArt* art) const {
-  if (art == nullptr || art->m_parent == nullptr) Raise(ErrCode(6, 16));
+  if (art == nullptr || art->m_parent == nullptr) Raise(kErrNullArt);
   CRvArt* parent = art->m_parent;
   if (auto pos = parent->FindChild(art)) {
     // Only a container returns a position.
@@ -109,11 +110,11 @@ void CRvArtCmd::DeleteArt(CRvDataAccess& store, CRvArt* art) const {
 }
 
 void CRvArtCmd::ConvertCompoundToGroup(CRvDataAccess& store, CRvArt* group, CRvArt* compound) const {
-  if (group == nullptr || compound == nullptr) Raise(ErrCode(6, 16));
-  if (group->GetType() != kArtGroup || compound->GetType() != kArtCompound) Raise(ErrCode(5, 14));
+  if (group == nullptr || compound == nullptr) Raise(kErrNullArt);
+  if (group->GetType() != kArtGroup || compound->GetType() != kArtCompound) Raise(kErrPathKind);
   auto* source = static_cast<CRvCompound*>(compound);
   // A compound converted before has handed its paths on already.
-  if (!source->OwnsChildren()) Raise(ErrCode(5, 14));
+  if (!source->OwnsChildren()) Raise(kErrPathKind);
   auto* target = static_cast<CRvGroup*>(group);
 
   target->m_bounds = GetArtBounds(compound);
@@ -192,7 +193,7 @@ bool CRvArtCmd::GetPathColor(int16_t use, const CRvArt* art, RVCOLOR& color) con
   switch (a.GetType()) {
     case kArtLayer: return static_cast<const CRvLayer&>(a).GetColor(color);
     case kArtPath: return static_cast<const CRvPath&>(a).GetColor(use, color);
-    default: Raise(ErrCode(6, 9));
+    default: Raise(kErrArtColorRead);
   }
 }
 
@@ -201,7 +202,7 @@ std::string CRvArtCmd::GetPathColorName(int16_t use, const CRvArt* art) const {
   switch (a.GetType()) {
     case kArtLayer: return static_cast<const CRvLayer&>(a).GetColorName();
     case kArtPath: return static_cast<const CRvPath&>(a).GetColorName(use);
-    default: Raise(ErrCode(6, 9));
+    default: Raise(kErrArtColorRead);
   }
 }
 
@@ -210,7 +211,7 @@ void CRvArtCmd::SetPathColor(int16_t use, CRvArt* art, const RVCOLOR& color, con
   switch (a.GetType()) {
     case kArtLayer: static_cast<CRvLayer&>(a).SetColor(color, name); break;
     case kArtPath: static_cast<CRvPath&>(a).SetColor(use, color, name); break;
-    default: Raise(ErrCode(6, 10));
+    default: Raise(kErrArtColorWrite);
   }
 }
 
@@ -219,7 +220,7 @@ void CRvArtCmd::SetPathColorName(int16_t use, CRvArt* art, const std::string& na
   switch (a.GetType()) {
     case kArtLayer: static_cast<CRvLayer&>(a).SetColorName(name); break;
     case kArtPath: static_cast<CRvPath&>(a).SetColorName(use, name); break;
-    default: Raise(ErrCode(6, 10));
+    default: Raise(kErrArtColorWrite);
   }
 }
 

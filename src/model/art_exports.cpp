@@ -1,11 +1,12 @@
 // Exported functions of the art commands.
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/export_util.h"
 
 using namespace rv;
 
 namespace {
-constexpr uint32_t kNullArt = ErrCode(6, 16);
+
 }
 
 extern "C" {
@@ -53,11 +54,11 @@ RV_API uint32_t RvGiGetArtMatrix(void* art, RVRIFMATRIX* matrix) {
 }
 
 RV_API uint32_t RvGiSetArtMatrix(void* art, const RVRIFMATRIX* matrix) {
-  return Guard([&] { Store().SetArtMatrix(ArtOf(art), NeedRecord(matrix, kNullArt)); });
+  return Guard([&] { Store().SetArtMatrix(ArtOf(art), NeedRecord(matrix, kErrNullArt)); });
 }
 
 RV_API uint32_t RvGiSetBoundingBox(void* art, const RVRECT* rect) {
-  return Guard([&] { Store().SetBoundingBox(ArtOf(art), NeedRecord(rect, kNullArt)); });
+  return Guard([&] { Store().SetBoundingBox(ArtOf(art), NeedRecord(rect, kErrNullArt)); });
 }
 
 RV_API uint32_t RvGiGetArtBounds(void* art, RVRECT* rect) {
@@ -87,7 +88,7 @@ RV_API uint32_t RvGiGetPathColorName(int16_t use, void* art, char* name) {
 }
 
 RV_API uint32_t RvGiSetPathColor(int16_t use, void* art, const RVCOLOR* color, const char* name) {
-  return Guard([&] { Store().SetPathColor(use, ArtOf(art), NeedRecord(color, kNullArt), Text(name)); });
+  return Guard([&] { Store().SetPathColor(use, ArtOf(art), NeedRecord(color, kErrNullArt), Text(name)); });
 }
 
 RV_API uint32_t RvGiSetPathColorName(int16_t use, void* art, const char* name) {

@@ -2,6 +2,7 @@
 
 #include <unordered_set>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace rv {
@@ -23,9 +24,9 @@ CRvDataAccess::~CRvDataAccess() {
 // ---------------------------------------------------------------- documents
 
 int16_t CRvDataAccess::CreateDocument(int16_t kind) {
-  if (kind != 0) Raise(ErrCode(2, 28));
+  if (kind != 0) Raise(kErrDocumentKind);
   // The store is full when the next index wouldn't fit 16 bits.
-  if (m_documents.size() >= kMaxDocuments) Raise(ErrCode(2, 28));
+  if (m_documents.size() >= kMaxDocuments) Raise(kErrDocumentKind);
   m_documents.push_back(std::make_unique<CRvRIFMemoryData>());
   m_activeIndex = int16_t(m_documents.size() - 1);
   return m_activeIndex;
@@ -52,7 +53,7 @@ void CRvDataAccess::DeleteAllDocuments() {
 
 void CRvDataAccess::SetActiveDocument(int16_t index) {
   if (index < 0 || std::size_t(index) >= m_documents.size() || !m_documents[std::size_t(index)]) {
-    Raise(ErrCode(9, 29));
+    Raise(kErrNoDocument);
   }
   m_activeIndex = index;
 }
@@ -65,7 +66,7 @@ CRvRIFMemoryData* CRvDataAccess::FindActiveDocument() const {
 
 CRvRIFMemoryData& CRvDataAccess::ActiveDocument() const {
   CRvRIFMemoryData* document = FindActiveDocument();
-  if (document == nullptr) Raise(ErrCode(9, 29));
+  if (document == nullptr) Raise(kErrNoDocument);
   return *document;
 }
 

@@ -1,5 +1,6 @@
 #include "model/document.h"
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 
 namespace rv {
@@ -30,13 +31,13 @@ std::unique_ptr<CRvLayer> CRvRIFMemoryData::AddLayer(int16_t where, const CRvArt
     case 2:
     case 3: {
       const int ref = reference == nullptr ? -1 : IndexOf(reference);
-      if (ref < 0) Raise(ErrCode(3, 13));
+      if (ref < 0) Raise(kErrReference);
       at = std::size_t(ref) + (where == 2 ? 1 : 0);
       break;
     }
     default: return layer;
   }
-  if (m_layers.size() >= kMaxLayers) Raise(ErrCode(3, 6));
+  if (m_layers.size() >= kMaxLayers) Raise(kErrNoLayer);
   m_layers.insert(m_layers.begin() + std::ptrdiff_t(at), std::move(layer));
   m_currentLayer = uint16_t(at);
   return nullptr;

@@ -1,4 +1,5 @@
 // Exported functions of the document store.
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/export_util.h"
 
@@ -31,7 +32,7 @@ RV_API uint32_t RvGiGetDocBoundBox(RVRECT* rect) {
 }
 
 RV_API uint32_t RvGiSetDocBoundingBox(const RVRECT* rect) {
-  return Guard([&] { Store().SetDocBoundBox(NeedRecord(rect, ErrCode(3, 16))); });
+  return Guard([&] { Store().SetDocBoundBox(NeedRecord(rect, kErrNullLayer)); });
 }
 
 }  // extern "C"

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/art_cmd.h"
 #include "model/data_access.h"
@@ -14,8 +15,8 @@ namespace {
 // The colour operations on a layer: 0x03001001 for null, 0x03000701 for an
 // art of another type.
 const CRvArt& NeedColorLayer(const CRvArt* layer) {
-  if (layer == nullptr) Raise(ErrCode(3, 16));
-  if (layer->GetType() != kArtLayer) Raise(ErrCode(3, 7));
+  if (layer == nullptr) Raise(kErrNullLayer);
+  if (layer->GetType() != kArtLayer) Raise(kErrLayerColorArt);
   return *layer;
 }
 
@@ -23,7 +24,7 @@ const CRvArt& NeedColorLayer(const CRvArt* layer) {
 
 CRvLayer* CRvLayerCmd::CreateLayer(CRvDataAccess& store, int16_t where, CRvArt* reference) const {
   CRvRIFMemoryData& document = store.ActiveDocument();
-  if (reference != nullptr && reference->GetType() != kArtLayer) Raise(ErrCode(3, 13));
+  if (reference != nullptr && reference->GetType() != kArtLayer) Raise(kErrReference);
   auto layer = std::make_unique<CRvLayer>();
   CRvLayer* raw = layer.get();
   std::unique_ptr<CRvLayer> unlinked = document.AddLayer(where, reference, std::move(layer));
@@ -35,17 +36,17 @@ CRvLayer* CRvLayerCmd::CreateLayer(CRvDataAccess& store, int16_t where, CRvArt* 
 }
 
 void CRvLayerCmd::DeleteLayer(CRvDataAccess& store, CRvArt* layer) const {
-  if (layer == nullptr) Raise(ErrCode(3, 16));
-  if (layer->GetType() != kArtLayer) Raise(ErrCode(3, 14));
+  if (layer == nullptr) Raise(kErrNullLayer);
+  if (layer->GetType() != kArtLayer) Raise(kErrNotLayer);
   CRvRIFMemoryData& document = store.ActiveDocument();
   std::unique_ptr<CRvLayer> taken = document.RemoveLayer(layer);
-  if (!taken) Raise(ErrCode(3, 13));
+  if (!taken) Raise(kErrReference);
   store.DropReferencesInto(*taken);
 }
 
 CRvLayer* CRvLayerCmd::GetLayer(CRvDataAccess& store, int16_t index) const {
   CRvLayer* layer = store.ActiveDocument().GetLayer(index);
-  if (layer == nullptr) Raise(ErrCode(3, 6));
+  if (layer == nullptr) Raise(kErrNoLayer);
   return layer;
 }
 
@@ -62,14 +63,14 @@ CRvLayer* CRvLayerCmd::GetLayerFromName(CRvDataAccess& store, const std::string&
 }
 
 const std::string& CRvLayerCmd::GetLayerName(const CRvArt* layer) const {
-  if (layer == nullptr) Raise(ErrCode(3, 16));
-  if (layer->GetType() != kArtLayer) Raise(ErrCode(3, 14));
+  if (layer == nullptr) Raise(kErrNullLayer);
+  if (layer->GetType() != kArtLayer) Raise(kErrNotLayer);
   return static_cast<const CRvLayer*>(layer)->GetName();
 }
 
 void CRvLayerCmd::SetLayerName(CRvArt* layer, const std::string& name) const {
-  if (layer == nullptr) Raise(ErrCode(6, 16));
-  if (layer->GetType() != kArtLayer) Raise(ErrCode(3, 14));
+  if (layer == nullptr) Raise(kErrNullArt);
+  if (layer->GetType() != kArtLayer) Raise(kErrNotLayer);
   static_cast<CRvLayer*>(layer)->SetName(name);
 }
 

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/art_cmd.h"
 #include "model/data_access.h"
@@ -11,34 +12,31 @@ namespace rv {
 
 namespace {
 
-constexpr uint32_t kNullArt = ErrCode(5, 13);
-constexpr uint32_t kWrongKind = ErrCode(5, 14);
-
 const CRvArt& Need(const CRvArt* art) {
-  if (art == nullptr) Raise(kNullArt);
+  if (art == nullptr) Raise(kErrNullPath);
   return *art;
 }
 
 CRvArt& Need(CRvArt* art) {
-  if (art == nullptr) Raise(kNullArt);
+  if (art == nullptr) Raise(kErrNullPath);
   return *art;
 }
 
 template <class T>
 T& NeedKind(CRvArt* art, int16_t type) {
-  if (Need(art).GetType() != type) Raise(kWrongKind);
+  if (Need(art).GetType() != type) Raise(kErrPathKind);
   return static_cast<T&>(*art);
 }
 
 template <class T>
 const T& NeedKind(const CRvArt* art, int16_t type) {
-  if (Need(art).GetType() != type) Raise(kWrongKind);
+  if (Need(art).GetType() != type) Raise(kErrPathKind);
   return static_cast<const T&>(*art);
 }
 
 // Point indexes are checked: an index outside the points names no record.
 void NeedIndex(int32_t index, int32_t count) {
-  if (index < 0 || index >= count) Raise(kWrongKind);
+  if (index < 0 || index >= count) Raise(kErrPathKind);
 }
 
 }  // namespace
@@ -47,11 +45,11 @@ void NeedIndex(int32_t index, int32_t count) {
 
 CRvArt* CRvPathCmd::CopyPath(CRvDataAccess& store, const CRvArt* source, int16_t position,
                              CRvArt* reference) const {
-  if (source == nullptr) Raise(kNullArt);
+  if (source == nullptr) Raise(kErrNullPath);
   CRvRIFMemoryData& document = store.ActiveDocument();
-  if (document.GetLayerCount() == 0) Raise(ErrCode(5, 6));
+  if (document.GetLayerCount() == 0) Raise(kErrCopyNoLayer);
   const int16_t type = source->GetType();
-  if (!IsComponentType(type) && type != kArtPath) Raise(kWrongKind);
+  if (!IsComponentType(type) && type != kArtPath) Raise(kErrPathKind);
   CRvArtCmd linker;
   const LinkPlan plan = linker.PlanLink(document, position, reference);
   return linker.Commit(store, CopyArt(*source), plan);
@@ -64,7 +62,7 @@ int32_t CRvPathCmd::GetPathSegmentCount(const CRvArt* art) const {
   const int16_t type = a.GetType();
   if (IsComponentType(type)) return static_cast<const CRvPathComponent&>(a).GetPointCount();
   if (type == kArtPath) return static_cast<const CRvPath&>(a).GetPointTotal();
-  Raise(ErrCode(6, 14));
+  Raise(kErrNoSegments);
 }
 
 void CRvPathCmd::GetPathSegment(const CRvArt* art, int32_t index, void* out) const {
@@ -88,7 +86,7 @@ void CRvPathCmd::GetPathSegment(const CRvArt* art, int32_t index, void* out) con
       if (out != nullptr) *static_cast<RVPOINT*>(out) = s.GetPoint(index);
       return;
     }
-    default: Raise(kWrongKind);
+    default: Raise(kErrPathKind);
   }
 }
 
@@ -179,12 +177,12 @@ void CRvPathCmd::SetPathClosed(CRvArt* art, int32_t closed) const {
 }
 
 void CRvPathCmd::GetSelect(const CRvArt* art, int32_t& selected) const {
-  if (art == nullptr) Raise(ErrCode(6, 13));
+  if (art == nullptr) Raise(kErrArtType);
   if (art->GetType() == kArtGroup) selected = static_cast<const CRvGroup*>(art)->m_selected;
 }
 
 void CRvPathCmd::SetSelect(CRvArt* art, int32_t selected) const {
-  if (art == nullptr) Raise(ErrCode(6, 13));
+  if (art == nullptr) Raise(kErrArtType);
   if (art->GetType() == kArtGroup) static_cast<CRvGroup*>(art)->m_selected = selected;
 }
 
@@ -214,7 +212,7 @@ void CRvPathCmd::SetPathPatternID(CRvArt* art, int32_t id) const { Need(art).Ens
 
 const PlotInfo& CRvPathCmd::GetPathPlotInfo(const CRvArt* art) const {
   const PlotInfo* info = Need(art).GetPlotInfo();
-  if (info == nullptr) Raise(ErrCode(6, 16));
+  if (info == nullptr) Raise(kErrNullArt);
   return *info;
 }
 

@@ -1,13 +1,9 @@
 // Exported functions of the layer and path commands.
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/export_util.h"
 
 using namespace rv;
-
-namespace {
-constexpr uint32_t kNullLayer = ErrCode(3, 16);
-constexpr uint32_t kNullPath = ErrCode(5, 13);
-}  // namespace
 
 extern "C" {
 
@@ -57,7 +53,7 @@ RV_API uint32_t RvGiGetLayerColorName(void* layer, char* name) {
 }
 
 RV_API uint32_t RvGiSetLayerColor(void* layer, const RVCOLOR* color, const char* name) {
-  return Guard([&] { Store().SetLayerColor(ArtOf(layer), NeedRecord(color, kNullLayer), Text(name)); });
+  return Guard([&] { Store().SetLayerColor(ArtOf(layer), NeedRecord(color, kErrNullLayer), Text(name)); });
 }
 
 // ---------------------------------------------------------------- points and segments
@@ -84,15 +80,15 @@ RV_API uint32_t RvGiGetArcPoint(void* art, int32_t index, RVARCPOINT* point) {
 }
 
 RV_API uint32_t RvGiInsertBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point) {
-  return Guard([&] { Store().InsertBezierPoint(ArtOf(art), index, NeedRecord(point, kNullPath)); });
+  return Guard([&] { Store().InsertBezierPoint(ArtOf(art), index, NeedRecord(point, kErrNullPath)); });
 }
 
 RV_API uint32_t RvGiAddBezierPoint(void* art, const RVBEZIERPOINT* point) {
-  return Guard([&] { Store().AddBezierPoint(ArtOf(art), NeedRecord(point, kNullPath)); });
+  return Guard([&] { Store().AddBezierPoint(ArtOf(art), NeedRecord(point, kErrNullPath)); });
 }
 
 RV_API uint32_t RvGiReplaceBezierPoint(void* art, int32_t index, const RVBEZIERPOINT* point) {
-  return Guard([&] { Store().ReplaceBezierPoint(ArtOf(art), index, NeedRecord(point, kNullPath)); });
+  return Guard([&] { Store().ReplaceBezierPoint(ArtOf(art), index, NeedRecord(point, kErrNullPath)); });
 }
 
 RV_API uint32_t RvGiReverseBezierPoint(void* art) {
@@ -104,7 +100,7 @@ RV_API uint32_t RvGiSortBezierPoint(void* art, int32_t index, int32_t closed) {
 }
 
 RV_API uint32_t RvGiSetBezierStartInPoint(void* art, const RVPOINT* point) {
-  return Guard([&] { Store().SetBezierStartInPoint(ArtOf(art), NeedRecord(point, kNullPath)); });
+  return Guard([&] { Store().SetBezierStartInPoint(ArtOf(art), NeedRecord(point, kErrNullPath)); });
 }
 
 // ---------------------------------------------------------------- path flags

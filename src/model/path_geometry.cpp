@@ -4,6 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 #include "geometry/curve_core.h"
@@ -178,9 +179,9 @@ class BoundsWalk {
 uint32_t CRvPath::GetBounds(RVRECT& out) {
   RVRECT box{-32768.0, 32767.0, -32768.0, 32767.0};
   const auto& items = m_children.items();
-  if (items.empty()) return ErrCode(5, 8);
+  if (items.empty()) return kErrPathComponent;
   for (const CRvArt* child : items) {
-    if (!IsComponentType(child->GetType())) return ErrCode(5, 8);
+    if (!IsComponentType(child->GetType())) return kErrPathComponent;
   }
   BoundsWalk walk(box);
   for (const CRvArt* child : items) walk.Add(*child);

@@ -1,5 +1,6 @@
 // RefMap operations that read the drawing: bounds of many arts, and the
 // register-mark check.
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/data_access.h"
 #include "model/refmap.h"
@@ -31,7 +32,7 @@ class BoundsUnion {
 };
 
 void RequireLayer(CRvDataAccess& drawing) {
-  if (drawing.GetLayerCount() <= 0) Raise(ErrCode(3, 6));
+  if (drawing.GetLayerCount() <= 0) Raise(kErrNoLayer);
 }
 
 }  // namespace

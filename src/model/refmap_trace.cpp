@@ -7,6 +7,7 @@
 // add arts to the tree but must not unlink the art that it is given.
 #include <list>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "model/refmap.h"
 
@@ -88,7 +89,7 @@ void RefMapStore::MatchTrace(int16_t map, const std::string& key, uint8_t mask, 
   auto table = Hold(map);
   RefMapEntry* entry = table->Find(key);
   if (entry == nullptr) return;
-  if ((mask & entry->info) == 0) Raise(ErrCode(5, 16));
+  if ((mask & entry->info) == 0) Raise(kErrMatchMask);
   Check(VisitEntry(*entry, drill, visit));
 }
 
@@ -105,7 +106,7 @@ void RefMapStore::OrderTrace(int16_t map, uint8_t mask, int16_t& state, bool dri
   };
   if (!Matches(mask, entry.info)) {
     advance();
-    Raise(ErrCode(6, 16));
+    Raise(kErrNullArt);
   }
   // A failing callback leaves the position on this entry.
   Check(VisitEntry(entry, drill, visit));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "model/art.h"
@@ -117,7 +118,7 @@ int32_t CRvArtSort::BlockKeyOfArt(void* handle) const {
 }
 
 void CRvArtSort::Step(void* context, int16_t percent) const {
-  if (Progress().Step(context, percent, kSortingText)) Raise(ErrCode(10, 31));
+  if (Progress().Step(context, percent, kSortingText)) Raise(kErrSortCancelled);
 }
 
 void CRvArtSort::OpenStage(void* context) const {

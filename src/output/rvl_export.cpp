@@ -7,6 +7,7 @@
 
 #include "conditions/cut_cdn_mng.h"
 #include "formats/file_frame.h"
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "geometry/convert_pt.h"
@@ -41,7 +42,7 @@ bool TableRange(uint16_t first, uint16_t last, int& from, int& to) {
 
 }  // namespace
 
-uint32_t CRvRVLFormat::ImportToRIF() { return ErrCode(1, 17); }
+uint32_t CRvRVLFormat::ImportToRIF() { return kErrNoDirection; }
 
 uint32_t CRvRVLFormat::ExportFromRIF(void* context) {
   m_progressContext = context;
@@ -206,7 +207,7 @@ void CRvRVLFormat::SortedRoute() {
         WriteSorted(sort);
       }
     });
-    if (code != 0 && code != ErrCode(6, 16)) Raise(code);
+    if (code != 0 && code != kErrNullArt) Raise(code);
   }
 }
 
@@ -348,7 +349,7 @@ void CRvRVLFormat::CuttingWriter(CRvArt* art) {
             case kArtSpline:
               break;
             default:
-              Raise(ErrCode(5, 8));
+              Raise(kErrPathComponent);
           }
         }
       }
@@ -383,7 +384,7 @@ extern "C" {
 RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
                              void* progressContext) {
   return rv::Guard([&] {
-    if (param == nullptr) rv::Raise(rv::ErrCode(6, 16));
+    if (param == nullptr) rv::Raise(rv::kErrNullArt);
     rv::CRvFile file(std::make_unique<rv::CRvRVLFormat>(*param));
     rv::Check(file.Export(path, documentIndex, progressContext));
   });

@@ -1,6 +1,7 @@
 // The writing side of CRvRVLFormat: bytes, paths, the frame and progress.
 #include <utility>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "frame/progress.h"
 #include "geometry/convert_pt.h"
@@ -19,11 +20,11 @@ CRvRVLFormat::~CRvRVLFormat() = default;
 
 void CRvRVLFormat::WriteBytes(const char* text, std::size_t length) {
   if (length == 0) return;
-  if (m_file == nullptr) Raise(ErrCode(1, 3));
+  if (m_file == nullptr) Raise(kErrFileShort);
   if (std::fwrite(text, 1, length, m_file) != length) {
     std::fclose(m_file);
     m_file = nullptr;
-    Raise(ErrCode(1, 3));
+    Raise(kErrFileShort);
   }
 }
 
@@ -215,7 +216,7 @@ void CRvRVLFormat::AdvanceProgress() {
   if (progress.onStep == nullptr) return;
   const double percent = double(m_artDone) / double(m_artTotal) * 100.0;
   if (progress.Step(m_progressContext, int16_t(TruncToInt32(percent)), kCreatingPlotDataText)) {
-    Raise(ErrCode(6, 31));
+    Raise(kErrExportCancelled);
   }
 }
 

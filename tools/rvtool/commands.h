@@ -1,12 +1,28 @@
 // The subcommands of rvtool. Each returns the exit status or throws Failure.
 #pragma once
 
+#include <functional>
 #include <ostream>
 #include <string>
 
 #include "geometry.h"
 
+namespace CLI {
+class App;
+}
+
 namespace rvtool {
+
+/// One subcommand on the command line: the CLI11 subcommand with its options,
+/// and what runs it once it has been parsed (returns the exit status or
+/// throws Failure). The options live in the runner.
+struct Subcommand {
+  CLI::App* command = nullptr;
+  std::function<int(std::ostream& out)> run;
+};
+
+/// Adds one subcommand to the tool; main() keeps a table of these.
+using SubcommandMaker = Subcommand (*)(CLI::App& app);
 
 /// Millimetres per plotter unit of plot files, the plotter's step.
 constexpr double kPlotterStep = 0.025;
@@ -28,6 +44,11 @@ struct RenderOptions {
 int RunInfo(const InfoOptions& options, std::ostream& out);
 /// `rvtool render`: imports a drawing or a written job and draws it.
 int RunRender(const RenderOptions& options, std::ostream& out);
+
+/// The subcommands `info`, `plot` and `render`.
+Subcommand AddInfoCommand(CLI::App& app);
+Subcommand AddPlotSubcommand(CLI::App& app);
+Subcommand AddRenderCommand(CLI::App& app);
 
 /// The report of `info` for the active document; `title` heads it.
 void DescribeActiveDocument(const std::string& title, std::ostream& out);

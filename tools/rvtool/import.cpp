@@ -1,4 +1,11 @@
 // The importers of the library that the tool reads drawings with.
+//
+// The format of a file is chosen by its first bytes, not by its name: each
+// row of kImporters says which heads it takes, the first row that takes a
+// head imports the file, and the plot import takes everything else.
+#include <cstdio>
+#include <string>
+
 #include "drawing.h"
 #include "failure.h"
 #include "progress.h"
@@ -7,15 +14,54 @@
 namespace rvtool {
 namespace {
 
+/// The first bytes of a file, as many as it has up to kHeadSize.
+struct FileHead {
+  static constexpr std::size_t kHeadSize = 64;
+  unsigned char bytes[kHeadSize] = {};
+  std::size_t size = 0;
+};
+
+FileHead ReadHead(const std::string& path) {
+  FileHead head;
+  if (std::FILE* file = std::fopen(path.c_str(), "rb")) {
+    head.size = std::fread(head.bytes, 1, FileHead::kHeadSize, file);
+    std::fclose(file);
+  }
+  return head;
+}
+
+/// One format that the tool can read: whether a head is of this format, and
+/// the library's import of it into a new document (its index to `*index`).
+struct Importer {
+  const char* format;
+  bool (*takes)(const FileHead& head);
+  uint32_t (*import)(const std::string& path, double unitScale, int16_t* index);
+};
+
+bool AnyHead(const FileHead&) { return true; }
+
 // Plot command files (HP-GL and the single-letter dialect, written jobs
-// included) whatever their extension.
+// included).
+uint32_t ImportPlot(const std::string& path, double unitScale, int16_t* index) {
+  return RvImPLTToRIF(path.c_str(), 0, index, &unitScale);
+}
+
+constexpr Importer kImporters[] = {
+    {"plot file", AnyHead, ImportPlot},
+};
+
 Document ImportDrawing(const std::string& path, double unitScale) {
-  int16_t index = -1;
-  const uint32_t code = RvImPLTToRIF(path.c_str(), 0, &index, &unitScale);
-  // A failed import may leave its new document behind: it goes with `document`.
-  Document document(index);
-  Check(code, "import", path);
-  return document;
+  const FileHead head = ReadHead(path);
+  for (const Importer& importer : kImporters) {
+    if (!importer.takes(head)) continue;
+    int16_t index = -1;
+    const uint32_t code = importer.import(path, unitScale, &index);
+    // A failed import may leave its new document behind: it goes with `document`.
+    Document document(index);
+    Check(code, "import", path);
+    return document;
+  }
+  return Document(-1);
 }
 
 }  // namespace

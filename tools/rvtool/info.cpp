@@ -1,5 +1,8 @@
 // rvtool info: the layers of a drawing with their counts and bounds.
+#include <CLI/CLI.hpp>
+
 #include <cstdio>
+#include <memory>
 
 #include "commands.h"
 #include "drawing.h"
@@ -94,6 +97,17 @@ int RunInfo(const InfoOptions& options, std::ostream& out) {
   const Document document = ImportAndActivate("info", options.file, options.unit);
   DescribeActiveDocument(options.file, out);
   return 0;
+}
+
+Subcommand AddInfoCommand(CLI::App& app) {
+  auto options = std::make_shared<InfoOptions>();
+  CLI::App* command =
+      app.add_subcommand("info", "Import a plot file and print its layers, paths, points and bounds.");
+  command->add_option("FILE", options->file, "Plot file to read")->required();
+  command->add_option("--unit", options->unit, "Millimetres per unit of the file")
+      ->default_val(kPlotterStep)
+      ->check(CLI::PositiveNumber);
+  return {command, [options](std::ostream& out) { return RunInfo(*options, out); }};
 }
 
 }  // namespace rvtool

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <vector>
 
 #include "commands.h"
 #include "failure.h"
-#include "plot_options.h"
 #include "progress.h"
 #include "rvdataaccess.h"
 
@@ -30,43 +30,20 @@ std::string VersionText() {
 
 }  // namespace
 
+// The subcommands, in the order of `rvtool --help`. A new subcommand is one
+// row here and a file with its Add…Command and Run….
+constexpr rvtool::SubcommandMaker kSubcommands[] = {
+    rvtool::AddInfoCommand,
+    rvtool::AddPlotSubcommand,
+    rvtool::AddRenderCommand,
+};
+
 int main(int argc, char** argv) {
   CLI::App app{"rvtool: plot files in, plot jobs (RVL) and pictures out, through librvdataaccess."};
   app.require_subcommand(1);
   app.set_version_flag("--version", VersionText());
-
-  rvtool::InfoOptions info;
-  CLI::App* infoCommand =
-      app.add_subcommand("info", "Import a plot file and print its layers, paths, points and bounds.");
-  infoCommand->add_option("FILE", info.file, "Plot file to read")->required();
-  infoCommand->add_option("--unit", info.unit, "Millimetres per unit of the file")
-      ->default_val(rvtool::kPlotterStep)
-      ->check(CLI::PositiveNumber);
-
-  rvtool::PlotOptions plot;
-  CLI::App* plotCommand = rvtool::AddPlotCommand(app, plot);
-
-  rvtool::RenderOptions render;
-  CLI::App* renderCommand =
-      app.add_subcommand("render", "Draw a plot file or a written job as SVG or PNG.");
-  renderCommand->footer(
-      "The picture shows the cuts in black, the pen-up travel dashed in light blue (from the\n"
-      "origin to the first cut and between cuts), the start of each cut in red and the\n"
-      "bounding box of the cuts dotted. A job of the HP-GL or single-letter dialects is read\n"
-      "back as the plot file that it is, so the cuts stand in the order of the job.");
-  renderCommand->add_option("FILE", render.file, "Plot file or job to draw")->required();
-  renderCommand->add_option("-o,--output", render.output, "Picture to write, .svg or .png")
-      ->required();
-  renderCommand->add_option("--unit", render.unit,
-                            "Millimetres per unit of the file (of a job: the --unit it was written with)")
-      ->default_val(rvtool::kPlotterStep)
-      ->check(CLI::PositiveNumber);
-  renderCommand->add_option("--width", render.pixelWidth, "Width of a PNG in pixels")
-      ->default_val(1200)
-      ->check(CLI::Range(16, 16384));
-  bool noTravel = false;
-  renderCommand->add_flag("--no-travel", noTravel, "Leave out the pen-up travel");
-
+  std::vector<rvtool::Subcommand> subcommands;
+  for (rvtool::SubcommandMaker make : kSubcommands) subcommands.push_back(make(app));
   app.footer(kExitStatusHelp);
 
   try {
@@ -77,16 +54,12 @@ int main(int argc, char** argv) {
                  e.what());
     return rvtool::kUsageStatus;
   }
-  render.travel = !noTravel;
 
   rvtool::InstallInterruptHandler();
   try {
-    if (infoCommand->parsed()) return rvtool::RunInfo(info, std::cout);
-    if (plotCommand->parsed()) {
-      rvtool::FinishPlotOptions(plot);
-      return rvtool::RunPlot(plot, std::cout);
+    for (const rvtool::Subcommand& subcommand : subcommands) {
+      if (subcommand.command->parsed()) return subcommand.run(std::cout);
     }
-    if (renderCommand->parsed()) return rvtool::RunRender(render, std::cout);
   } catch (const rvtool::Failure& failure) {
     std::cout.flush();
     std::fprintf(stderr, "rvtool: %s\n", failure.what());

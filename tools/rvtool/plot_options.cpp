@@ -6,6 +6,7 @@
 #include <cctype>
 #include <cerrno>
 #include <cstdlib>
+#include <memory>
 
 #include "failure.h"
 
@@ -218,6 +219,15 @@ void FinishPlotOptions(PlotOptions& o) {
                     kUsageStatus);
   }
   if (o.sortPerOrder && !o.sort) o.sort = true;
+}
+
+Subcommand AddPlotSubcommand(CLI::App& app) {
+  auto options = std::make_shared<PlotOptions>();
+  CLI::App* command = AddPlotCommand(app, *options);
+  return {command, [options](std::ostream& out) {
+            FinishPlotOptions(*options);
+            return RunPlot(*options, out);
+          }};
 }
 
 }  // namespace rvtool

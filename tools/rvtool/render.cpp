@@ -3,6 +3,10 @@
 // A job of the HP-GL or single-letter dialects is itself a plot file: read
 // back through the plot import it gives the cut paths in the order of the
 // job, and the travel between them is what the pen does with the pen up.
+#include <CLI/CLI.hpp>
+
+#include <memory>
+
 #include "commands.h"
 #include "drawing.h"
 #include "picture.h"
@@ -21,6 +25,27 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   out << "picture: " << options.output << " (" << scene.strokes.size() << " cuts, "
       << scene.bounds.width() << " x " << scene.bounds.height() << " mm)\n";
   return 0;
+}
+
+Subcommand AddRenderCommand(CLI::App& app) {
+  auto options = std::make_shared<RenderOptions>();
+  CLI::App* command = app.add_subcommand("render", "Draw a plot file or a written job as SVG or PNG.");
+  command->footer(
+      "The picture shows the cuts in black, the pen-up travel dashed in light blue (from the\n"
+      "origin to the first cut and between cuts), the start of each cut in red and the\n"
+      "bounding box of the cuts dotted. A job of the HP-GL or single-letter dialects is read\n"
+      "back as the plot file that it is, so the cuts stand in the order of the job.");
+  command->add_option("FILE", options->file, "Plot file or job to draw")->required();
+  command->add_option("-o,--output", options->output, "Picture to write, .svg or .png")->required();
+  command->add_option("--unit", options->unit,
+                      "Millimetres per unit of the file (of a job: the --unit it was written with)")
+      ->default_val(kPlotterStep)
+      ->check(CLI::PositiveNumber);
+  command->add_option("--width", options->pixelWidth, "Width of a PNG in pixels")
+      ->default_val(1200)
+      ->check(CLI::Range(16, 16384));
+  command->add_flag("--no-travel{false}", options->travel, "Leave out the pen-up travel");
+  return {command, [options](std::ostream& out) { return RunRender(*options, out); }};
 }
 
 }  // namespace rvtool
