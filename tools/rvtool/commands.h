@@ -40,15 +40,29 @@ struct RenderOptions {
   bool travel = true;
 };
 
+struct PreviewOptions {
+  std::string file;
+  std::string output;
+  double unit = kPlotterStep;
+  double windowWidth = 800.0;   // the preview's window, in its own units
+  double windowHeight = 600.0;
+  int pixelWidth = 1200;
+  bool travel = true;
+};
+
 /// `rvtool info`: imports the file and prints the document.
 int RunInfo(const InfoOptions& options, std::ostream& out);
 /// `rvtool render`: imports a drawing or a written job and draws it.
 int RunRender(const RenderOptions& options, std::ostream& out);
 
-/// The subcommands `info`, `plot` and `render`.
+/// `rvtool preview`: the library's cut preview of a file, drawn pass by pass.
+int RunPreview(const PreviewOptions& options, std::ostream& out);
+
+/// The subcommands `info`, `plot`, `render` and `preview`.
 Subcommand AddInfoCommand(CLI::App& app);
 Subcommand AddPlotSubcommand(CLI::App& app);
 Subcommand AddRenderCommand(CLI::App& app);
+Subcommand AddPreviewCommand(CLI::App& app);
 
 /// The report of `info` for the active document; `title` heads it.
 void DescribeActiveDocument(const std::string& title, std::ostream& out);

@@ -36,6 +36,7 @@ constexpr rvtool::SubcommandMaker kSubcommands[] = {
     rvtool::AddInfoCommand,
     rvtool::AddPlotSubcommand,
     rvtool::AddRenderCommand,
+    rvtool::AddPreviewCommand,
 };
 
 int main(int argc, char** argv) {
