@@ -1040,7 +1040,8 @@ typedef struct RVHATCHINGINFO {
 } RVHATCHINGINFO;
 
 /** Parameters of RvCreateContour: the fields of RVHATCHINGINFO and one more.
- *  Contour reads angle, offset, matrix and includeOpenPaths. */
+ *  Contour reads angle, offset, matrix, includeOpenPaths and cornerLines;
+ *  the other fields are copied and not read. */
 typedef struct RVCONTOURINFO {
   double pitch;
   double startShift;
@@ -1148,6 +1149,101 @@ RV_API uint32_t RvExCLGetCutPreviewPointData(RVPOINT* points);
 /** Drops every pass and point, then deletes the active document (its code:
  *  0x09001D01 when none is active; the data are dropped all the same). */
 RV_API uint32_t RvExCLInitializeCutPreviewData(void);
+/* Both generators read the layer "Rivlen_HatchingWorkLayer" of the active
+ * document, which the host fills with the shapes: closed paths (or
+ * compounds of closed paths, an outline with its holes) whose first
+ * component is a Bezier, attribute bit 2 set and bit 16 clear. Only the
+ * first component of a path is read. Results are filed in the table that
+ * RvGiSetRefMapHatchingPlotIndex names, with info 7, and stay in the
+ * document until the host removes them; a second run adds to them. Offsets
+ * and clips run on a grid of one micrometre: a coordinate becomes
+ * coordinate x 1000 truncated toward zero (1.9999 mm is 1999), and comes
+ * back x 0.001. Corners of an offset are cut square (miter limit 2.0, arc
+ * tolerance 0.25 micrometre). An offset that grows an open path widens it
+ * with square ends; an offset that shrinks leaves nothing of it.
+ *
+ * Codes of the generators beyond the general table (checked before
+ * anything of the drawing changes, unless said otherwise):
+ *   0x00000001  RvCreateHatching: the offset shapes or the frame came out
+ *               empty (an empty or missing work layer, or an offset that
+ *               shrinks everything away); nothing was made by that step,
+ *               what the other step made stays.
+ *   0x08004001  a number of the record (angle, offset, frameOffset, a
+ *               matrix field) isn't finite, or a point of the work layer
+ *               (after its matrices) or an offset isn't finite or lies
+ *               beyond 1000000 mm (one kilometre).
+ *   0x08004101  the clipping library refused the paths it was given; what
+ *               was made before stays.
+ *   0x08004201  the table of hatching plots names no table, or, for the
+ *               lines of RvCreateHatching, the current RefMap table
+ *               (RvGiSetRefMapIndex) names none.
+ *   0x08004301  RvCreateHatching with lines (generate other than 2): pitch
+ *               isn't a positive finite number.
+ *   0x08004401  RvCreateHatching: the stack would hold more than 1000000
+ *               lines (height / pitch); found once the offset layer is
+ *               made, which stays.
+ *   0x08004501  RvCreateContour: offset isn't a negative finite number (an
+ *               offset of 0 or more would never shrink to nothing).
+ *   0x08004601  RvCreateContour: the shapes would need more than 100000
+ *               echoes (half their extent / the step).
+ *   0x08004701  a null document pointer or a null record.
+ *   0x09001D01  *document names no document.
+ *   0x06001001  the work layer's first path has no plot info.
+ *   0x08001901  the record's matrix can't be inverted (lines: after their
+ *               order is done; frame and contour: before their output). */
+
+/** Writes the defaults given with the fields of RVHATCHINGINFO. Returns 0;
+ *  a null record is left alone. */
+RV_API uint32_t RvInitializeHatchingInfo(RVHATCHINGINFO* info);
+
+/** Covers the shapes of "Rivlen_HatchingWorkLayer" with parallel lines.
+ *  The record is copied (shifts as absolute values). In every compound of
+ *  the work layer the paths are first turned so that holes run
+ *  counter-clockwise and outlines clockwise (plain paths stay as they are).
+ *  Unless generate is 2: the shapes, mapped by their own matrix, by
+ *  info->matrix and turned by -angle, are offset by `offset` (shortened by
+ *  0.1 when below -0.1) into "Rivlen_HatchingOffsetLayer" (key
+ *  "RivlenHatchingOffset"); horizontal lines a pitch apart over the box of
+ *  the arts with attribute bit 2 in the current RefMap table (so the host
+ *  makes that the hatching table) are clipped by them (even-odd with
+ *  evenOddFill, else non-zero), put in cutting order and turned back into
+ *  two-point paths of "Rivlen_HatchingPathLayer" of document *document (key
+ *  "RivlenHatchingLine", black stroke "HatchingColor", flags 7). The offset
+ *  paths used for clipping lose attribute bit 2. Unless generate is 1: the
+ *  shapes, mapped by their own matrix and info->matrix, are offset by
+ *  frameOffset into "Rivlen_HatchingFrameLayer" (key "RivlenHatchingFrame")
+ *  and mapped back; an open path without frameOpenPaths is copied there
+ *  whole, with its components, under its own attribute flags.
+ *  Returns 0, 1 (nothing made, see above) or a code. */
+RV_API uint32_t RvCreateHatching(int16_t* document, const RVHATCHINGINFO* info);
+
+/** Writes the defaults of RVHATCHINGINFO into the shared fields; cornerLines
+ *  isn't touched. Returns 0; a null record is left alone. */
+RV_API uint32_t RvInitializeContourInfo(RVCONTOURINFO* info);
+
+/** Fills the shapes of "Rivlen_HatchingWorkLayer" with inward echoes: the
+ *  shapes (their own matrix applied) are offset by step x level, level 1,
+ *  2, ... until an echo is empty; step is `offset`, shortened by 0.1 when
+ *  below -0.1. Echo n goes to the layer "TempContourLayer<n>" (key
+ *  "RivlenContourOffset<n>"), which stays. With cornerLines 1 a line is
+ *  drawn from each sharp corner (a turn under 90 degrees) of the echoes from
+ *  the second on, along its bisector, to the next outer echo (reach 50 mm);
+ *  lines of successive echoes on one bisector are merged. Then the echoes
+ *  are copied into "Rivlen_ContourPathLayer" of document *document,
+ *  innermost first (a compound with its smallest path first), followed by
+ *  the corner lines (key "RivlenContourLine", black stroke "ContourColor").
+ *  The copies get no RefMap entry. Paths are taken as they run: a hole
+ *  must run against its outline, or the two merge into the outline. An
+ *  empty or missing work layer makes no
+ *  echo and an empty "Rivlen_ContourPathLayer": code 0. A failure while an
+ *  echo is made ends the echoes; the ones made are still copied and then the
+ *  code is returned. angle and matrix don't move the result; a singular
+ *  matrix fails before the output.
+ *  Left to the implementer, chosen here: an offset of 0 or more is refused
+ *  (0x08004501) and so is a run of more than 100000 echoes (0x08004601),
+ *  both before anything changes; corner lines are looked for on every
+ *  path of an echo layer, in compounds too. */
+RV_API uint32_t RvCreateContour(int16_t* document, const RVCONTOURINFO* info);
 
 /* ======================================================================
  * Cut conditions

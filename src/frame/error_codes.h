@@ -79,7 +79,16 @@ namespace rv {
 // same value would break the table of meanings).
 
 /// Path generation: clipper adaptor, hatching, contour and their order.
-#define RV_ERROR_CODES_GENERATE(X)
+#define RV_ERROR_CODES_GENERATE(X)                                                                              \
+  X(kGenerateNothingMade, 1u, "the offset of the shapes or of the frame left nothing, so nothing was made")     \
+  X(kErrClipCoordinate, 0x08004001u, "a point or offset for clipping isn't finite or lies beyond 1000000 mm")  \
+  X(kErrClipFailed, 0x08004101u, "the clipping library refused the paths it was given")                      \
+  X(kErrGenerateNoMap, 0x08004201u, "the hatching plot table or the current RefMap table names no table")    \
+  X(kErrHatchPitch, 0x08004301u, "the hatching pitch isn't a positive finite number")                        \
+  X(kErrHatchTooManyLines, 0x08004401u, "the hatching would need more than 1000000 lines")                   \
+  X(kErrContourOffset, 0x08004501u, "the contour offset isn't a negative finite number")                     \
+  X(kErrContourTooManyLevels, 0x08004601u, "the contour would need more than 100000 echoes")                \
+  X(kErrGenerateArgument, 0x08004701u, "a generator was given a null document index or parameter record")
 /// Router output: tiles, milling, micro joints.
 #define RV_ERROR_CODES_ROUTER(X)
 /// CL jobs: CL import, router, CL milling export, cut preview.

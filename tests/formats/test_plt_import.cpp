@@ -274,6 +274,7 @@ TEST(PltImport, SampleFiles) {
 }
 
 TEST(PltImport, RealFiles) {
+  RV_SKIP_WITHOUT_REAL_DATA();
   // Expectations worked out with two throwaway scripts that read the files
   // command by command (not with this library):
   //  - plain HP-GL (PU/PD/PA/PR, IN/DF, IP/SC, labels skipped to their end

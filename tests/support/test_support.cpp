@@ -30,6 +30,11 @@ bool WriteFile(const std::string& path, const std::string& bytes) {
   return bool(out);
 }
 
-std::string RealData(const std::string& name) { return std::string(RV_SHARED_DIR) + "/realdata/" + name; }
+std::string RealDataDir() {
+  const char* folder = std::getenv("RV_REALDATA_DIR");
+  return folder != nullptr && *folder != 0 ? std::string(folder) : std::string(RV_SHARED_DIR) + "/realdata";
+}
+
+std::string RealData(const std::string& name) { return RealDataDir() + "/" + name; }
 
 }  // namespace rvtest

@@ -28,7 +28,19 @@ std::string ReadFile(const std::string& path);
 /// Writes bytes to a file; returns false on failure.
 bool WriteFile(const std::string& path, const std::string& bytes);
 
-/// Path of a file of ../shared/realdata.
+/// The folder of real files written by other programs: ../shared/realdata
+/// beside the project, or $RV_REALDATA_DIR when it is set. Only this
+/// workplace's checkouts have it.
+std::string RealDataDir();
+/// Path of a file of the real-file folder.
 std::string RealData(const std::string& name);
+
+/// Skips the running test, with the reason, when the real files aren't there.
+#define RV_SKIP_WITHOUT_REAL_DATA()                                                              \
+  do {                                                                                           \
+    if (!std::filesystem::is_directory(rvtest::RealDataDir()))                                   \
+      GTEST_SKIP() << "the real files of " << rvtest::RealDataDir()                              \
+                   << " aren't there (a clone without ../shared); nothing of them is checked"; \
+  } while (0)
 
 }  // namespace rvtest

@@ -3,6 +3,8 @@
 // and failures that end in one clear line.
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include <filesystem>
 #include <tuple>
 
@@ -86,7 +88,9 @@ TEST(ToolCli, FailuresEndInOneClearLineWithTheirStatus) {
   const std::string missing = dir.file("none.plt"), job = dir.file("job.rvl"), up = dir.file("up.plt");
   const std::string bad = dir.file("bad.xml"), deep = dir.file("no/such/folder/job.rvl");
   const std::string gone = "/no-such-folder/x";
+  const std::string empty = dir.file("empty.plt");
   ASSERT_TRUE(rvtest::WriteFile(up, "IN;PU100,100;PU0,0;"));
+  ASSERT_TRUE(rvtest::WriteFile(empty, ""));
   ASSERT_TRUE(rvtest::WriteFile(bad, "<TQCutConditionList version=\"1.00\"><CutCondition>"));
   const std::string cantOpen = "' failed: the file can't be opened (code 0x01000201)\n";
   auto plot = [&](std::vector<std::string> options) {
@@ -104,7 +108,10 @@ TEST(ToolCli, FailuresEndInOneClearLineWithTheirStatus) {
       // Failures of the library: the module of the code, or the XML code itself.
       {{"info", missing}, 1, "import of '" + missing + cantOpen},
       {{"plot", missing, "-o", job}, 1, "import of '" + missing + cantOpen},
-      {{"info", up}, 17, "import of '" + up + "' failed: the file draws nothing (code 1)\n"},
+      {{"info", up}, 65, "import of '" + up + "' failed: the file draws nothing (code 1)\n"},
+      // What the tool tells apart before the library reads the file.
+      {{"info", dir.path().string()}, 1, "import of '" + dir.path().string() + "' failed: it is a folder, not a file\n"},
+      {{"plot", empty, "-o", job}, 65, "import of '" + empty + "' failed: the file is empty\n"},
       {{"plot", square, "-o", deep}, 1, "export of '" + deep + cantOpen},
       {plot({"--conditions", bad}), 13,
        "loading the conditions of '" + bad + "' failed: the XML file can't be loaded (code 13)\n"},
@@ -129,10 +136,24 @@ TEST(ToolCli, FailuresEndInOneClearLineWithTheirStatus) {
            {"--machine", "XY"}, {"--machine", "17"}, {"--unit", "0"}, {"--tool-pen", "3"},
            {"--conditions", "a.xml", "--csv", "b.csv"}, {"--frobnicate"}})
     rows.push_back({plot(options), 64, ""});
+  // Every status the tool returns stands in the README's table and in --help.
+  const std::string readme = rvtest::ReadFile(std::string(RV_SAMPLES_DIR) + "/../README.md");
+  const std::string help = RunTool({"--help"}).out;
+  // A row "| 2 to 10 | ..." of the table, or a line "  2 to 10  ..." of --help.
+  auto listed = [](const std::string& text, const std::string& row, int status) {
+    const std::regex first("\n" + row + "([0-9]+)( to ([0-9]+))? ");
+    for (std::sregex_iterator it(text.begin(), text.end(), first), end; it != end; ++it) {
+      const int low = std::stoi((*it)[1]), high = (*it)[3].matched ? std::stoi((*it)[3]) : low;
+      if (status >= low && status <= high) return true;
+    }
+    return false;
+  };
   for (const auto& [args, status, line] : rows) {
     SCOPED_TRACE(testing::PrintToString(args));
     const auto run = RunTool(args);
     EXPECT_EQ(run.status, status);
+    EXPECT_TRUE(listed(readme, "\\| ", status)) << "README table lacks " << status;
+    EXPECT_TRUE(listed(help, "  ", status)) << "--help lacks " << status;
     EXPECT_EQ(run.err.rfind("rvtool: ", 0), 0u) << run.err;
     EXPECT_TRUE(Contains(run.err, line)) << run.err;
     if (!line.empty() && line.back() == '\n') {

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "failure.h"
 #include "frame/error_codes.h"
 
 namespace rvtool {
@@ -56,6 +57,7 @@ int ExitStatusFor(uint32_t code) {
   if ((code & 0xFFu) == 1u && module >= 1u && module <= 10u) return static_cast<int>(module);
   if (code >= 11u && code <= 15u) return static_cast<int>(code);
   if (code == 65535u) return 16;
+  if (code == 1u) return kNoDrawingStatus;
   return 17;
 }
 

@@ -25,7 +25,8 @@ std::string FormatCode(uint32_t code);
 
 /// Exit status of the tool for a failure with `code`: the module number for
 /// codes built from a module (1 file ... 10 sort), the value itself for the
-/// plain codes 11 to 15, 16 for 65535 and 17 for anything else.
+/// plain codes 11 to 15, 16 for 65535, 65 for the result 1 (nothing drawn or
+/// made) and 17 for anything else.
 int ExitStatusFor(uint32_t code);
 
 }  // namespace rvtool

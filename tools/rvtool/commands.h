@@ -38,6 +38,7 @@ struct RenderOptions {
   double unit = kPlotterStep;
   int pixelWidth = 1200;
   bool travel = true;
+  bool starts = true;
 };
 
 struct PreviewOptions {

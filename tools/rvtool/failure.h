@@ -11,7 +11,10 @@ namespace rvtool {
 
 /// Exit statuses of the tool's own failures (library failures use
 /// ExitStatusFor, codes.h).
+constexpr int kFileStatus = 1;          // a file can't be read: as the library's file codes (module 1)
 constexpr int kUsageStatus = 64;        // a bad command line
+constexpr int kNoDrawingStatus = 65;    // the input is empty or draws nothing (the library's result 1)
+constexpr int kInternalStatus = 70;     // the C++ runtime failed (out of memory)
 constexpr int kOutputStatus = 73;       // a picture or file of the tool can't be written
 constexpr int kInterruptedStatus = 130; // Ctrl-C outside a step that the library can cancel
 

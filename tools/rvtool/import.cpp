@@ -3,7 +3,12 @@
 // The format of a file is chosen by its first bytes, not by its name: each
 // row of kImporters says which heads it takes, the first row that takes a
 // head imports the file, and the plot import takes everything else.
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "drawing.h"
@@ -50,7 +55,23 @@ constexpr Importer kImporters[] = {
     {"plot file", AnyHead, ImportPlot},
 };
 
+// What the tool can tell about a file before the library reads it: a folder,
+// a file that can't be read and an empty file each get their own line (the
+// library would only say that the file can't be opened or draws nothing).
+void CheckInputFile(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::file_status status = std::filesystem::status(path, error);
+  if (!std::filesystem::exists(status)) return;  // the library's "can't be opened" says it
+  if (std::filesystem::is_directory(status))
+    throw ToolFailure("import", path, "it is a folder, not a file", kFileStatus);
+  if (::access(path.c_str(), R_OK) != 0)
+    throw ToolFailure("import", path, std::string("the file can't be read: ") + std::strerror(errno), kFileStatus);
+  if (std::filesystem::is_regular_file(status) && std::filesystem::file_size(path, error) == 0 && !error)
+    throw ToolFailure("import", path, "the file is empty", kNoDrawingStatus);
+}
+
 Document ImportDrawing(const std::string& path, double unitScale) {
+  CheckInputFile(path);
   const FileHead head = ReadHead(path);
   for (const Importer& importer : kImporters) {
     if (!importer.takes(head)) continue;

@@ -14,12 +14,20 @@
 namespace {
 
 constexpr const char* kExitStatusHelp =
-    "Exit status: 0 success; 64 a bad command line; 73 a picture that can't be\n"
-    "written; 130 Ctrl-C outside a step that the library can cancel. A failure\n"
-    "of the library exits with the module number of its code (1 file, 2 store,\n"
-    "3 document, 5 path, 6 art: also a cancelled export, 7 file content,\n"
-    "8 matrix, 9 selection, 10 sort: also a cancelled sort), the XML codes\n"
-    "11 to 15 as they are, 16 for code 65535 and 17 for any other code.";
+    "Exit status:\n"
+    "  0        success\n"
+    "  1        a file can't be opened, read or written (also a folder given as a file)\n"
+    "  2 to 10  a failure of the library, by the module of its code: 2 store, 3 document,\n"
+    "           5 path, 6 art (also a cancelled export), 7 file content, 8 matrix,\n"
+    "           9 selection, 10 sort (also a cancelled sort)\n"
+    "  11 to 15 the XML codes of the library as they are\n"
+    "  16       the library's code 65535 (an XML operation failed)\n"
+    "  17       any other code of the library\n"
+    "  64       a bad command line\n"
+    "  65       the input is empty or draws nothing, or nothing was made\n"
+    "  70       an internal failure (out of memory)\n"
+    "  73       a picture or file of the tool can't be written\n"
+    "  130      Ctrl-C outside a step that the library can cancel";
 
 std::string VersionText() {
   int16_t major = 0, minor = 0, revision = 0;
@@ -70,7 +78,7 @@ int main(int argc, char** argv) {
     // index out of range, out of memory).
     std::cout.flush();
     std::fprintf(stderr, "rvtool: internal failure: %s\n", e.what());
-    return 70;
+    return rvtool::kInternalStatus;
   }
   return 0;
 }

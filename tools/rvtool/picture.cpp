@@ -42,6 +42,22 @@ View ViewOf(const Scene& scene, bool withOrigin) {
   return view;
 }
 
+}  // namespace
+
+MarkSizes MarkSizesOf(const Scene& scene, double unit) {
+  // The typical distance between cuts: the side of the share of the drawing's
+  // area that each cut has.
+  const double area = std::max(scene.bounds.width(), unit) * std::max(scene.bounds.height(), unit);
+  const double count = std::max<double>(1.0, static_cast<double>(scene.strokes.size()));
+  const double spacing = std::sqrt(area / count);
+  MarkSizes sizes;
+  sizes.startRadius = std::clamp(0.08 * spacing, 0.3 * unit, 2.5 * unit);
+  sizes.travelWidth = std::clamp(0.02 * spacing, 0.25 * unit, unit);
+  return sizes;
+}
+
+namespace {
+
 std::string Number(double value) {
   char text[48];
   std::snprintf(text, sizeof text, "%.3f", value);
@@ -118,6 +134,10 @@ void WritePng(const Scene& scene, const std::string& path, const PictureOptions&
   cairo_set_line_cap(cr, CAIRO_LINE_CAP_ROUND);
 
   const double pixel = std::max(1.0, width / 1200.0);
+  // Marks and travel shrink with the density of the cuts, not below a pixel's width.
+  const MarkSizes marks = MarkSizesOf(scene, view.unit);
+  const double travelPixels = std::max(0.5, std::min(pixel, marks.travelWidth * scale));
+  const double startPixels = std::max(1.0, std::min(3 * pixel, marks.startRadius * scale));
   if (!scene.bounds.empty) {
     cairo_rectangle(cr, scene.bounds.left, scene.bounds.bottom, scene.bounds.width(),
                     scene.bounds.height());
@@ -134,7 +154,7 @@ void WritePng(const Scene& scene, const std::string& path, const PictureOptions&
     const double dash[] = {6 * pixel, 4 * pixel};
     cairo_set_dash(cr, dash, 2, 0);
     cairo_set_source_rgb(cr, 0x8f / 255.0, 0xb3 / 255.0, 0xde / 255.0);
-    StrokeInPixels(cr, pixel);
+    StrokeInPixels(cr, travelPixels);
   }
   cairo_set_dash(cr, nullptr, 0, 0);
   cairo_set_source_rgb(cr, 0, 0, 0);
@@ -145,15 +165,17 @@ void WritePng(const Scene& scene, const std::string& path, const PictureOptions&
   }
   StrokeInPixels(cr, 1.5 * pixel);
   cairo_set_source_rgb(cr, 0xd6 / 255.0, 0x27 / 255.0, 0x28 / 255.0);
-  for (const Stroke& stroke : scene.strokes) {
-    double x = stroke.points.front().x, y = stroke.points.front().y;
-    cairo_user_to_device(cr, &x, &y);
-    cairo_save(cr);
-    cairo_identity_matrix(cr);
-    cairo_new_sub_path(cr);
-    cairo_arc(cr, x, y, 3 * pixel, 0, 2 * std::numbers::pi);
-    cairo_fill(cr);
-    cairo_restore(cr);
+  if (options.starts) {
+    for (const Stroke& stroke : scene.strokes) {
+      double x = stroke.points.front().x, y = stroke.points.front().y;
+      cairo_user_to_device(cr, &x, &y);
+      cairo_save(cr);
+      cairo_identity_matrix(cr);
+      cairo_new_sub_path(cr);
+      cairo_arc(cr, x, y, startPixels, 0, 2 * std::numbers::pi);
+      cairo_fill(cr);
+      cairo_restore(cr);
+    }
   }
   cairo_surface_flush(surface.get());
   const cairo_status_t status = cairo_surface_write_to_png(surface.get(), path.c_str());
@@ -197,9 +219,10 @@ std::string SvgOfScene(const Scene& scene, const PictureOptions& options) {
            "\" stroke-width=\"" + Number(view.unit) + "\" stroke-dasharray=\"" +
            Number(3 * view.unit) + "\"/>\n";
   }
+  const MarkSizes marks = MarkSizesOf(scene, view.unit);
   if (options.travel) {
     svg += "<g id=\"travel\" fill=\"none\" stroke=\"" + std::string(kTravelColour) +
-           "\" stroke-width=\"" + Number(view.unit) + "\" stroke-dasharray=\"" +
+           "\" stroke-width=\"" + Number(marks.travelWidth) + "\" stroke-dasharray=\"" +
            Number(6 * view.unit) + " " + Number(4 * view.unit) + "\">\n";
     for (const auto& [from, to] : TravelMoves(scene)) {
       svg += "<path d=\"M" + X(from.x) + " " + Y(from.y) + "L" + X(to.x) + " " + Y(to.y) + "\"/>\n";
@@ -219,12 +242,15 @@ std::string SvgOfScene(const Scene& scene, const PictureOptions& options) {
     svg += "<path d=\"" + d + "\"/>\n";
   }
   svg += "</g>\n";
-  svg += "<g id=\"starts\" fill=\"" + std::string(kStartColour) + "\">\n";
-  for (const Stroke& stroke : scene.strokes) {
-    svg += "<circle cx=\"" + X(stroke.points.front().x) + "\" cy=\"" + Y(stroke.points.front().y) +
-           "\" r=\"" + Number(2.5 * view.unit) + "\"/>\n";
+  if (options.starts) {
+    svg += "<g id=\"starts\" fill=\"" + std::string(kStartColour) + "\">\n";
+    for (const Stroke& stroke : scene.strokes) {
+      svg += "<circle cx=\"" + X(stroke.points.front().x) + "\" cy=\"" + Y(stroke.points.front().y) +
+             "\" r=\"" + Number(marks.startRadius) + "\"/>\n";
+    }
+    svg += "</g>\n";
   }
-  svg += "</g>\n</svg>\n";
+  svg += "</svg>\n";
   return svg;
 }
 

@@ -20,7 +20,17 @@ struct PictureOptions {
   std::string title;      // shown in the SVG's title element
   int pixelWidth = 1200;  // PNG width; the height follows the drawing
   bool travel = true;     // draw the pen-up moves
+  bool starts = true;     // mark the start of each cut
 };
+
+/// The size of the start marks and of the travel lines, in millimetres of the
+/// drawing: at most the default sizes for a picture of the drawing's extent,
+/// and smaller where the cuts stand dense, so that the marks never hide them.
+struct MarkSizes {
+  double startRadius;
+  double travelWidth;
+};
+MarkSizes MarkSizesOf(const Scene& scene, double unit);
 
 /// The SVG document of a scene. Drawing units are millimetres, y upward; the
 /// SVG's user unit is the millimetre, y downward.

@@ -21,6 +21,7 @@ int RunRender(const RenderOptions& options, std::ostream& out) {
   picture.title = options.file;
   picture.pixelWidth = options.pixelWidth;
   picture.travel = options.travel;
+  picture.starts = options.starts;
   WritePicture(scene, options.output, picture);
   out << "picture: " << options.output << " (" << scene.strokes.size() << " cuts, "
       << scene.bounds.width() << " x " << scene.bounds.height() << " mm)\n";
@@ -33,7 +34,8 @@ Subcommand AddRenderCommand(CLI::App& app) {
   command->footer(
       "The picture shows the cuts in black, the pen-up travel dashed in light blue (from the\n"
       "origin to the first cut and between cuts), the start of each cut in red and the\n"
-      "bounding box of the cuts dotted. A job of the HP-GL or single-letter dialects is read\n"
+      "bounding box of the cuts dotted. Start marks and travel lines get thinner where the\n"
+      "cuts stand dense, so that they never hide the drawing. A job of the HP-GL or single-letter dialects is read\n"
       "back as the plot file that it is, so the cuts stand in the order of the job.");
   command->add_option("FILE", options->file, "Plot file or job to draw")->required();
   command->add_option("-o,--output", options->output, "Picture to write, .svg or .png")->required();
@@ -45,6 +47,7 @@ Subcommand AddRenderCommand(CLI::App& app) {
       ->default_val(1200)
       ->check(CLI::Range(16, 16384));
   command->add_flag("--no-travel{false}", options->travel, "Leave out the pen-up travel");
+  command->add_flag("--no-starts{false}", options->starts, "Leave out the marks of the cuts' starts");
   return {command, [options](std::ostream& out) { return RunRender(*options, out); }};
 }
 
