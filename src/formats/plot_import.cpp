@@ -1,3 +1,4 @@
+#include <algorithm>
 #include "formats/plot_import.h"
 
 #include <cstdio>
@@ -38,6 +39,12 @@ void CRvPlotImportDriver::Import(CRvFormatStrategy& format, double scale) {
     if (n == 0) break;
     m_interpreter.Feed(buffer.data(), n);
   }
+  End();
+}
+
+void CRvPlotImportDriver::ImportBytes(const uint8_t* bytes, std::size_t count, double scale) {
+  Begin(scale, bytes, std::min<std::size_t>(count, 15));
+  if (count != 0) m_interpreter.Feed(bytes, count);
   End();
 }
 

@@ -53,6 +53,8 @@ class CRvPlotImportDriver : public CRvPlotSink {
   /// from the first 15 bytes, seek back, feed every byte, feed the end, and
   /// finish the path. Raises the codes of the file steps and of the builder.
   void Import(CRvFormatStrategy& format, double scale);
+  /// The same run over bytes in memory (tests and fuzz targets).
+  void ImportBytes(const uint8_t* bytes, std::size_t count, double scale);
 
   void DrawLine(const PlotPoint& from, const PlotPoint& to, int16_t penDown) override;
   void DrawArc(const PlotArc& arc) override;

@@ -59,9 +59,9 @@ void CRvPlotInterpreter::ProcessByte(uint8_t byte) {
 }
 
 inline void CRvPlotInterpreter::ProcessTwoLetter(uint8_t byte) {
-  const uint8_t cls = byte < 128 ? kTwoLetterClass[byte] : uint8_t(7);
+  const uint8_t cls = byte < 128 ? kTwoLetterClass[byte] : uint8_t(kClassOther);
   // The common case first: another digit of the integer part of a number.
-  if (cls == 2 && m_state == kParameters && m_escape == 0 && (m_type == kTypeInt || m_type == kTypeReal) &&
+  if (cls == kClassDigit && m_state == kParameters && m_escape == 0 && (m_type == kTypeInt || m_type == kTypeReal) &&
       !m_inFraction && m_intCount < 8) {
     m_inNumber = true;
     m_intValue = m_intValue * 10u + uint8_t(byte - '0');
@@ -76,9 +76,9 @@ inline void CRvPlotInterpreter::ProcessTwoLetter(uint8_t byte) {
 inline void CRvPlotInterpreter::ProcessSingleLetter(uint8_t byte) {
   uint8_t cls;
   if (byte == m_term1 || byte == m_term2) {
-    cls = 0;
+    cls = kClassTerminator;
   } else {
-    cls = byte < 128 ? kSingleLetterClass[byte] : uint8_t(7);
+    cls = byte < 128 ? kSingleLetterClass[byte] : uint8_t(kClassOther);
   }
   do {
     m_redispatch = false;
@@ -160,7 +160,7 @@ void CRvPlotInterpreter::Handle(uint8_t byte, uint8_t cls) {
       HandleParameters(byte, cls);
       return;
     case kAwaitEnd:
-      if (cls == 2) {
+      if (cls == kClassDigit) {
         m_state = kSkip;  // a further parameter is dropped; the command still runs
         return;
       }
@@ -173,8 +173,8 @@ void CRvPlotInterpreter::Handle(uint8_t byte, uint8_t cls) {
 }
 
 void CRvPlotInterpreter::HandleEnd(uint8_t byte, uint8_t cls) {
-  if (cls == 5) BeginMnemonic(byte);
-  if (cls == 0 || cls == 5) {
+  if (cls == kClassLetter) BeginMnemonic(byte);
+  if (cls == kClassTerminator || cls == kClassLetter) {
     m_state = kCommand;
     if (m_execute == 2) m_execute = 1;
   }
@@ -192,13 +192,13 @@ void CRvPlotInterpreter::BeginMnemonic(uint8_t byte) {
 
 void CRvPlotInterpreter::HandleCommandTwoLetter(uint8_t byte, uint8_t cls) {
   switch (cls) {
-    case 0:
+    case kClassTerminator:
       m_phase = 0;
       return;
-    case 4:
-    case 6:
+    case kClassSeparator:
+    case kClassControl:
       return;
-    case 5:
+    case kClassLetter:
       break;
     default:
       m_state = kSkip;
@@ -231,8 +231,8 @@ void CRvPlotInterpreter::HandleCommandTwoLetter(uint8_t byte, uint8_t cls) {
 }
 
 void CRvPlotInterpreter::HandleCommandSingleLetter(uint8_t byte, uint8_t cls) {
-  if (cls == 0 || cls == 4 || cls == 6) return;
-  if (cls != 5) {
+  if (cls == kClassTerminator || cls == kClassSeparator || cls == kClassControl) return;
+  if (cls != kClassLetter) {
     m_state = kSkip;
     return;
   }
@@ -272,7 +272,7 @@ void CRvPlotInterpreter::HandleParameters(uint8_t byte, uint8_t cls) {
       result = ScanNumber(byte, cls);
       break;
     case kTypeChar:
-      result = cls == 0 ? 2 : 1;  // a terminator ends the list and is not stored
+      result = cls == kClassTerminator ? 2 : 1;  // a terminator ends the list and is not stored
       break;
     case kTypeText:
       result = byte == m_labelEnd ? 3 : 1;
@@ -322,9 +322,9 @@ void CRvPlotInterpreter::HandleParameters(uint8_t byte, uint8_t cls) {
 
 int CRvPlotInterpreter::ScanNumber(uint8_t byte, uint8_t cls) {
   switch (cls) {
-    case 0:
+    case kClassTerminator:
       return int(m_inNumber) + 2;
-    case 1: {
+    case kClassSign: {
       const int old = m_inNumber;
       if (m_inNumber) {
         m_nextSign = byte;
@@ -334,7 +334,7 @@ int CRvPlotInterpreter::ScanNumber(uint8_t byte, uint8_t cls) {
       m_inNumber = true;
       return old;
     }
-    case 2: {
+    case kClassDigit: {
       m_inNumber = true;
       const uint8_t digit = uint8_t(byte - '0');
       if (m_inFraction) {
@@ -351,17 +351,17 @@ int CRvPlotInterpreter::ScanNumber(uint8_t byte, uint8_t cls) {
       ++m_intCount;
       return 0;
     }
-    case 3:
+    case kClassPoint:
       m_inNumber = true;
       if (m_inFraction) return 4;
       m_inFraction = true;
       return 0;
-    case 4:
+    case kClassSeparator:
       return int(m_inNumber);
-    case 5:
+    case kClassLetter:
       BeginMnemonic(byte);
       return int(m_inNumber) + 2;
-    case 6:
+    case kClassControl:
       return 0;
     default:
       return 4;
@@ -371,18 +371,18 @@ int CRvPlotInterpreter::ScanNumber(uint8_t byte, uint8_t cls) {
 int CRvPlotInterpreter::ScanCode(uint8_t byte, uint8_t cls) {
   const bool hexDigit = (byte >= '0' && byte <= '9') || (byte >= 'a' && byte <= 'f') || (byte >= 'A' && byte <= 'F');
   switch (cls) {
-    case 0:
+    case kClassTerminator:
       if (m_codeAmp != 0 && m_codeDigits == 0) return 4;
       return m_codeDigits ? 3 : 2;
-    case 2:
+    case kClassDigit:
       if (m_codeAmp == 1) return 4;  // a digit right after '&'
       if (m_codeDigits == (m_codeAmp == 2 ? 4 : 5)) return 4;
       ++m_codeDigits;
       return 0;
-    case 4:
+    case kClassSeparator:
       if (m_codeDigits) return 1;
       return m_codeAmp ? 4 : 0;
-    case 5:
+    case kClassLetter:
       if (m_codeAmp == 1 && (byte == 'h' || byte == 'H')) {
         m_codeAmp = 2;
         return 0;
@@ -395,9 +395,9 @@ int CRvPlotInterpreter::ScanCode(uint8_t byte, uint8_t cls) {
       if (m_codeAmp != 0 && m_codeDigits == 0) return 4;
       BeginMnemonic(byte);
       return m_codeDigits ? 3 : 2;
-    case 6:
+    case kClassControl:
       return 0;
-    case 7:
+    case kClassOther:
       if (byte == '&' && m_codeAmp == 0 && m_codeDigits == 0) {
         m_codeAmp = 1;
         return 0;
@@ -523,7 +523,7 @@ void CRvPlotInterpreter::RunAction(uint8_t action) {
 // ---------------------------------------------------------------------------
 
 void CRvPlotInterpreter::PeByte(uint8_t byte, uint8_t cls) {
-  if (cls == 0) {
+  if (cls == kClassTerminator) {
     if (m_peState != 0) m_relative = m_peSavedRelative;  // pseudo-command End
     m_peState = 0;
     m_state = kCommand;

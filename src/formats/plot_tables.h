@@ -8,21 +8,31 @@
 namespace rv::plot {
 
 // ---- character classes ----
-// 0 terminator, 1 sign, 2 digit, 3 decimal point, 4 separator, 5 letter,
-// 6 control (skipped), 7 other. Bytes from 128 up are class 7.
+
+/// The class of a byte of a command stream. Bytes from 128 up are kClassOther.
+enum ByteClass : uint8_t {
+  kClassTerminator = 0,  ///< ends a command
+  kClassSign = 1,        ///< + or -
+  kClassDigit = 2,
+  kClassPoint = 3,       ///< the decimal point
+  kClassSeparator = 4,   ///< space, comma (and line ends in the single-letter dialect)
+  kClassLetter = 5,      ///< starts a mnemonic
+  kClassControl = 6,     ///< skipped
+  kClassOther = 7,
+};
 
 constexpr std::array<uint8_t, 128> MakeTwoLetterClasses() {
   std::array<uint8_t, 128> t{};
-  for (int i = 0; i < 128; ++i) t[i] = 7;
-  for (int i = 0; i < 32; ++i) t[i] = 6;
-  t[';'] = 0;
-  t['+'] = t['-'] = 1;
-  for (int i = '0'; i <= '9'; ++i) t[i] = 2;
-  t['.'] = 3;
-  t[' '] = t[','] = 4;
-  t['!'] = 5;
-  for (int i = 'A'; i <= 'Z'; ++i) t[i] = 5;
-  for (int i = 'a'; i <= 'z'; ++i) t[i] = 5;
+  for (int i = kClassTerminator; i < 128; ++i) t[i] = kClassOther;
+  for (int i = kClassTerminator; i < 32; ++i) t[i] = kClassControl;
+  t[';'] = kClassTerminator;
+  t['+'] = t['-'] = kClassSign;
+  for (int i = '0'; i <= '9'; ++i) t[i] = kClassDigit;
+  t['.'] = kClassPoint;
+  t[' '] = t[','] = kClassSeparator;
+  t['!'] = kClassLetter;
+  for (int i = 'A'; i <= 'Z'; ++i) t[i] = kClassLetter;
+  for (int i = 'a'; i <= 'z'; ++i) t[i] = kClassLetter;
   return t;
 }
 
@@ -30,16 +40,16 @@ constexpr std::array<uint8_t, 128> MakeTwoLetterClasses() {
 /// this table; `;` and `:` are letters here and lower case is "other".
 constexpr std::array<uint8_t, 128> MakeSingleLetterClasses() {
   std::array<uint8_t, 128> t{};
-  for (int i = 0; i < 128; ++i) t[i] = 7;
-  for (int i = 0; i < 32; ++i) t[i] = 6;
-  t[10] = t[13] = 4;
-  t['+'] = t['-'] = 1;
-  for (int i = '0'; i <= '9'; ++i) t[i] = 2;
-  t['.'] = 3;
-  t[' '] = t[','] = 4;
-  for (int i = 33; i <= 42; ++i) t[i] = 5;
-  t['/'] = 5;
-  for (int i = 58; i <= 95; ++i) t[i] = 5;
+  for (int i = kClassTerminator; i < 128; ++i) t[i] = kClassOther;
+  for (int i = kClassTerminator; i < 32; ++i) t[i] = kClassControl;
+  t[10] = t[13] = kClassSeparator;
+  t['+'] = t['-'] = kClassSign;
+  for (int i = '0'; i <= '9'; ++i) t[i] = kClassDigit;
+  t['.'] = kClassPoint;
+  t[' '] = t[','] = kClassSeparator;
+  for (int i = 33; i <= 42; ++i) t[i] = kClassLetter;
+  t['/'] = kClassLetter;
+  for (int i = 58; i <= 95; ++i) t[i] = kClassLetter;
   return t;
 }
 

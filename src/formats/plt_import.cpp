@@ -13,7 +13,6 @@ namespace rv {
 namespace {
 
 constexpr double kCloseTolerance = 0.1;  // document units, whatever the scale
-constexpr int16_t kLastChild = 5;
 
 }  // namespace
 
@@ -86,7 +85,7 @@ void CRvPLTImportData::FinishPath(int16_t lastKind, const PlotPathValues& values
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = m_currentPath;
   const RVCOLOR black{nullptr, 1, {0, 0, 0, 0}};
-  store.SetPathColor(2, path, black, "Black");
+  store.SetPathColor(kStrokeColor, path, black, "Black");
   store.SetPathAttrFlag(path, 7);
   if (SetsValuesAt(endOfFile)) {
     if (values.valid) {
@@ -131,14 +130,29 @@ CRvPLTAccessFirmSource::CRvPLTAccessFirmSource() : CRvPlotImportDriver(std::make
 CRvPLTFormat::CRvPLTFormat(const double* unitScale)
     : m_unitScale(unitScale == nullptr || *unitScale == 0.0 ? 0.025 : *unitScale) {}
 
+namespace {
+
+void MakePlotLayer() {
+  CRvDataAccess& store = CRvDataAccess::Instance();
+  CRvLayer* layer = store.CreateLayer(0, nullptr);
+  store.SetLayerName(layer, "KFPlotFileLayer");
+}
+
+}  // namespace
+
 uint32_t CRvPLTFormat::ImportToRIF() {
   return Guard([&] {
-    CRvDataAccess& store = CRvDataAccess::Instance();
-    CRvLayer* layer = store.CreateLayer(0, nullptr);
-    store.SetLayerName(layer, "KFPlotFileLayer");
+    MakePlotLayer();
     CRvPLTAccessFirmSource source;
     source.Import(*this, m_unitScale);
   });
+}
+
+void ImportPlotBytes(const uint8_t* bytes, std::size_t count, const double* unitScale) {
+  const CRvPLTFormat format(unitScale);
+  MakePlotLayer();
+  CRvPLTAccessFirmSource source;
+  source.ImportBytes(bytes, count, format.UnitScale());
 }
 
 uint32_t CRvPLTFormat::ExportFromRIF(void*) { return kErrNoDirection; }

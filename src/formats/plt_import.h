@@ -2,6 +2,7 @@
 // builder that fills the layer "KFPlotFileLayer".
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "formats/file_frame.h"
@@ -64,5 +65,10 @@ class CRvPLTFormat : public CRvFormatStrategy {
  private:
   double m_unitScale;
 };
+
+/// Imports plot file bytes from memory into a new layer "KFPlotFileLayer" of
+/// the active document, as RvImPLTToRIF does with a file (for tests and fuzz
+/// targets). `unitScale` as for CRvPLTFormat.
+void ImportPlotBytes(const uint8_t* bytes, std::size_t count, const double* unitScale);
 
 }  // namespace rv

@@ -3,10 +3,12 @@
 // Inside the library a failure is a C++ exception of type RvError carrying the
 // 32-bit code. Every exported function that can fail runs its body in a
 // Frame (through Guard), which catches the code and returns it. The frame also
-// keeps the exported recovery stack (g_ExceptionContext) in step, so that a
-// host that pushes its own ExceptionInfo sees the same stack discipline as in
-// the original setjmp design: library frames push and pop their record on
-// every path, also when a standard exception crosses them.
+// keeps the exported recovery stack (g_ExceptionContext) in step with the
+// calls: each library frame pushes its record on entry and pops it on every
+// way out, also when a standard exception crosses it, so that a host that
+// pushes its own ExceptionInfo always finds its record at the head again
+// after a call, and Exception() reaches the host's record only from code that
+// runs outside every library frame.
 #pragma once
 
 #include <cstdint>

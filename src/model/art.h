@@ -30,6 +30,19 @@ enum ArtType : int16_t {
   kArtAbstract = 7,  // CRvArt and CRvPathComponent themselves
 };
 
+/// Where a new art is linked (RvGiCreateArt, RvGiCopyArt, RvGiCopyPath).
+enum ArtPosition : int16_t {
+  kFirstInLayer = 0,  ///< first in the current layer
+  kInFrontOf = 1,     ///< in front of the reference, in its parent
+  kBehind = 2,        ///< behind the reference, in its parent
+  kLastInLayer = 3,   ///< last in the current layer
+  kFirstChild = 4,    ///< first child of the reference
+  kLastChild = 5,     ///< last child of the reference
+};
+
+/// The colour records of a path: its fill and its stroke.
+enum ColorUse : int16_t { kFillColor = 1, kStrokeColor = 2 };
+
 /// Attribute flag bits that the library itself reads.
 constexpr uint8_t kAttrCounted = 2;    // counts for bounds by flag
 constexpr uint8_t kAttrExcluded = 16;  // left out of every output and sort pass

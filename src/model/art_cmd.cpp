@@ -22,19 +22,19 @@ const CRvArt& NeedArt(const CRvArt* art) {
 LinkPlan CRvArtCmd::PlanLink(CRvRIFMemoryData& document, int16_t position, CRvArt* reference) const {
   LinkPlan plan;
   switch (position) {
-    case 0:
-    case 3: {
+    case kFirstInLayer:
+    case kLastInLayer: {
       if (reference != nullptr) Raise(kErrReference);
       // The current layer index survives the deletion of layers; one that
       // now points past the list can't take arts.
       CRvLayer* layer = document.GetLayer(document.m_currentLayer);
       if (layer == nullptr) Raise(kErrNoLayer);
       plan.parent = layer;
-      plan.where = position == 0 ? 0 : 1;
+      plan.where = position == kFirstInLayer ? 0 : 1;
       return plan;
     }
-    case 1:
-    case 2: {
+    case kInFrontOf:
+    case kBehind: {
       if (reference == nullptr) Raise(kErrReference);
       CRvArt* parent = reference->m_parent;
       if (parent == nullptr) Raise(kErrNullLayer);
@@ -43,14 +43,14 @@ LinkPlan CRvArtCmd::PlanLink(CRvRIFMemoryData& document, int16_t position, CRvAr
       plan.node = parent->FindChild(reference);
       if (!plan.node) Raise(kErrNullLayer);
       plan.parent = parent;
-      plan.where = position == 1 ? 3 : 2;
+      plan.where = position == kInFrontOf ? 3 : 2;
       return plan;
     }
-    case 4:
-    case 5:
+    case kFirstChild:
+    case kLastChild:
       if (reference == nullptr) Raise(kErrReference);
       plan.parent = reference;
-      plan.where = position == 4 ? 0 : 1;
+      plan.where = position == kFirstChild ? 0 : 1;
       return plan;
     default:
       return plan;  // unlinked

@@ -167,9 +167,9 @@ class PieceMaker {
       : m_store(CRvDataAccess::Instance()), m_art(art), m_inToOut(inToOut), m_pieces(pieces) {}
 
   void Make() {
-    m_path = m_store.CreateArt(kArtPath, 2, m_art);
+    m_path = m_store.CreateArt(kArtPath, kBehind, m_art);
     m_store.SetPathClosed(m_path, 0);
-    m_bezier = static_cast<CRvBezier*>(m_store.CreateArt(kArtBezier, 5, m_path));
+    m_bezier = static_cast<CRvBezier*>(m_store.CreateArt(kArtBezier, kLastChild, m_path));
   }
   void Append(const RVBEZIERPOINT& p) { m_bezier->AddPoint(p); }
   void AppendExchanged(RVBEZIERPOINT p) {
