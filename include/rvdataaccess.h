@@ -992,10 +992,114 @@ RV_API uint32_t RvExRIFToRVL(const char* path, int16_t documentIndex, const RVPL
  *  - The progress of plot data counts every art written, attribute bit 16
  *    too, against the count of arts without that bit, so the percentage may
  *    pass 100; a job with no counted art reports 0.
- *  - The milling writer (classes 5 and 12) and the output of the layer
- *    "MicroJointLayer" aren't carried by this build: an export that reaches
- *    them returns 0x01001101. Without such a layer outputMicroJoints writes
- *    nothing. */
+ *  - Classes 5 and 12 write through the milling writer, whichever export
+ *    runs them; RvExRIFToRVL has no makeOffsetArt, so there a closed art is
+ *    milled on its own outline at every pass (see RvExRIFMillingToRVL). */
+
+/* ---- Router output: tiled jobs, depth-pass milling, micro joints ---- */
+
+/** One tile of a tiled job. The host files the arts of the tile in the main
+ *  table (RvGiSetRefMapIndex) under the key prefix followed by number
+ *  ("%s%d", at most 127 characters). */
+typedef struct RVTILE {
+  int32_t number;    /* the number of the tile's key */
+  RVRECT rects[4];   /* the tile's rectangles; a rectangle of all zeros is empty */
+  uint8_t tail[32];  /* not read */
+} RVTILE;
+
+/** The tiles of RvExRIFTileToRVL. */
+typedef struct RVTILEPARAM {
+  char prefix[30];      /* start of each tile's key; zero-terminated unless all 30 are used */
+  int32_t mark;         /* kept, not read */
+  const RVTILE* tiles;  /* the tiles in their order; may be null when tileCount is 0 */
+  int32_t tileCount;    /* Library extension: the number of tiles (0 or less: none) */
+} RVTILEPARAM;
+
+/** Makes an art that lies offset millimetres beside art (the sign and the
+ *  side are the host's: the library hands on half of the change of the
+ *  condition's Milling value, see RvExRIFMillingToRVL) and stores its handle
+ *  in *result; callbackUser is handed through unchanged. The art it makes is
+ *  the host's and stays the host's: the library reads it while it writes the
+ *  pass and never deletes or changes it, so the host may put it anywhere,
+ *  into a layer of its own or unlinked. It must be a path (type 4) or a
+ *  compound (type 3) of paths. Return 0 on success; any other value ends
+ *  the job: the export returns that value as its code, after the milling
+ *  message. A success that leaves *result null ends it with 0x06001001. */
+typedef uint32_t (*RvMakeOffsetArtFunc)(void* callbackUser, void* art, double offset, void** result);
+
+/** Writes a job that the host divided into tiles, one tile after the other,
+ *  as RvExRIFToRVL writes a job but per tile: each tile is placed by the
+ *  bounds of the arts of its key (RvGiGetArtsBoundsByKey), united with its
+ *  non-empty rectangles when drawTileFrames is on (the placement transform
+ *  isn't used), starts where the tile before it ended, and is written alone.
+ *  Tiles go first to last; in dialect 5 last to first. Classes 5 and 12
+ *  write through the milling writer unsorted (without offsets: there is no
+ *  makeOffsetArt here) and through the cutting writer sorted. After each
+ *  tile come its frames (drawTileFrames) and the job frame (drawFrame).
+ *  originY grows after each tile by the height that the tile takes on the
+ *  machine (its width for the quarter turns; a rotation that doesn't turn
+ *  counts as 0) plus tileGap, plus 2 frameMarginY with drawFrame; after the
+ *  last tile by tileGap once more. That final value is stored in
+ *  param->originY on success only: a failed job leaves *param as it was.
+ *  No tiles: nothing is written and originY only grows by tileGap.
+ *  outputMicroJoints isn't honoured here. Codes as RvExRIFToRVL; 0x06001001
+ *  for a null param or tileParam, or tiles null with a positive tileCount. */
+RV_API uint32_t RvExRIFTileToRVL(const char* path, int16_t documentIndex, RVPLOTPARAM* param,
+                                 const RVTILEPARAM* tileParam, void* progressContext);
+
+/** Writes a router job (classes 5 and 12) in depth passes: RvExRIFToRVL with
+ *  an offset maker. For every art of the router tables
+ *  (RvGiSetRefMapRouterOffsetSIndex to ...EIndex) and every pass of its
+ *  condition key, the pass's condition block (DF1, tool, thickness, speed,
+ *  rpm, depth = Thickness - CuttingDepth held at 0 or above, plunge speed;
+ *  the tool is lifted with "PU;" before the depth changes) and the path.
+ *  A closed art asks makeOffsetArt for the path it mills: at pass 1 with
+ *  offset 0, later whenever the pass's Milling value differs from pass 1's,
+ *  with half the difference; a pass whose Milling equals pass 1's mills the
+ *  art of the pass before. An open art is milled on itself. makeOffsetArt
+ *  may be null: then every pass mills the art itself.
+ *  A component tagged "RivlenKerflowMicroJointTag" ("count,start,end,...",
+ *  segment indexes, at most 12 joints) is lifted to jointDepthLimit over
+ *  each joint; at the first pass whose depth lies below jointDepthLimit the
+ *  joint stretches are copied to the layer "MicroJointLayer", and with
+ *  outputMicroJoints they are milled after the job with the passes they
+ *  missed (after a park move and "NR-1;" with parkBeforeJoints), and the
+ *  layer is deleted. A failing writer shows "JudgeArtforMilling:Error"
+ *  (title "test") through the message sink (RvGiSetMessageFunction) and
+ *  ends the job with its code. Codes as RvExRIFToRVL (0x06001F01 when the
+ *  host cancels while the job is written: the host's arts and the offset
+ *  arts stay as they are), 0x05000801 for a component of an unexpected
+ *  type, and the codes of makeOffsetArt. */
+RV_API uint32_t RvExRIFMillingToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
+                                    void* progressContext, void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt);
+
+/* How the router writers read the drawing, where the rules leave a choice:
+ *  - The condition of a milled art comes from its key as in the cutting
+ *    writer (conditionSource 3: conditionKey; 1, 2: the plot info). An art
+ *    without plot info, or a key that names no media, is milled once
+ *    without a condition block and without offsets. A pass whose extension
+ *    isn't a milling record (a table of another machine family) enables
+ *    none of Rpm, CuttingDepth, ZSpeed, Milling.
+ *  - The depth that the joints compare with jointDepthLimit is 0 until a
+ *    pass enables CuttingDepth.
+ *  - A pass whose Milling value isn't enabled keeps the offset that the pass
+ *    before left, which is the difference to pass 1 once an offset was made.
+ *  - The joints of an art are read from its components at pass 1 (the last
+ *    tagged component wins) and apply to every Bezier of the art at every
+ *    pass, offset arts included; joint indexes outside a component are never
+ *    met and make no stretch. A tag with fewer numbers than its count has
+ *    the joints that its numbers give.
+ *  - An open path is walked forward whatever CutDirection says; its joints
+ *    are copied forward too.
+ *  - The path of a joint stretch takes the matrix of the art it was copied
+ *    from. "MicroJointLayer" is added as the last layer and the current layer
+ *    stays as it was; after a failure it stays in the document until the
+ *    next job that writes it.
+ *  - A tile whose key has no counted art is placed by its rectangles alone
+ *    (drawTileFrames) or at the origin. With expandDocument, every tile is
+ *    grown from the document box as it was before the job.
+ *  - The milling writer and the joint writer keep the pen of the last tool
+ *    that maps to a pen for a tool that maps to none (0 at the start). */
 
 /* ======================================================================
  * Path generation

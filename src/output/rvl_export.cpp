@@ -25,11 +25,6 @@ namespace {
 
 CRvRVLFormat& FormatOf(void* context) { return *static_cast<CRvRVLFormat*>(context); }
 
-uint32_t CuttingWriterThunk(void* context, void* art) {
-  return Guard([&] { FormatOf(context).CuttingWriter(ArtOf(art)); });
-}
-uint32_t MillingWriterThunk(void* context, void* art) { return FormatOf(context).MillingWriter(ArtOf(art)); }
-
 int16_t MainTable() { return MapIndex(RefMapStore::Instance().refMapIndex); }
 
 // First and last table of a remembered range; false when either is unset.
@@ -41,6 +36,21 @@ bool TableRange(uint16_t first, uint16_t last, int& from, int& to) {
 }
 
 }  // namespace
+
+uint32_t CuttingWriterThunk(void* context, void* art) {
+  return Guard([&] { FormatOf(context).CuttingWriter(ArtOf(art)); });
+}
+uint32_t MillingWriterThunk(void* context, void* art) { return FormatOf(context).MillingWriter(ArtOf(art)); }
+
+std::vector<RVINSIDEPATH> ClosedPathsOf(const std::vector<RVINSIDEPATH>& collected) {
+  std::vector<RVINSIDEPATH> list;
+  list.reserve(collected.size());
+  for (const RVINSIDEPATH& e : collected) {
+    const CRvArt* a = ArtOf(e.art);
+    if (a->GetType() == kArtPath && static_cast<const CRvPath*>(a)->m_closed != 0) list.push_back(e);
+  }
+  return list;
+}
 
 uint32_t CRvRVLFormat::ImportToRIF() { return kErrNoDirection; }
 
@@ -54,6 +64,10 @@ uint32_t CRvRVLFormat::ExportFromRIF(void* context) {
 }
 
 void CRvRVLFormat::RunExport() {
+  if (m_tileMode != 0) {
+    TileRoute();
+    return;
+  }
   PlaceJob();
   if (plotter::HonoursStartPoints(m_param.plotterClass) && m_param.optimizeStartPoints != 0) {
     RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, true, [&](CRvArt* art, void*) {
@@ -127,17 +141,10 @@ void CRvRVLFormat::UnsortedRoute() {
     return;
   }
   if (cls != 0) {
-    // The closed paths of the table. A group or compound stands in the
-    // collected list once for each path below it, under its own handle: it
-    // isn't a path, so it takes no part in the inside pass.
+    // The closed paths of the table.
     std::vector<RVINSIDEPATH> collected;
     maps.CollectArts(main, collected);
-    std::vector<RVINSIDEPATH> list;
-    list.reserve(collected.size());
-    for (const RVINSIDEPATH& e : collected) {
-      const CRvArt* a = ArtOf(e.art);
-      if (a->GetType() == kArtPath && static_cast<const CRvPath*>(a)->m_closed != 0) list.push_back(e);
-    }
+    std::vector<RVINSIDEPATH> list = ClosedPathsOf(collected);
     InsidePass(list);
     if (!plotter::SkipsBothSides(cls)) {
       maps.Trace(main, kRefMapOutput, true, [&](CRvArt* art, void*) { return EntryBothSidesCutInfo(this, art); });
@@ -364,17 +371,6 @@ void CRvRVLFormat::CuttingWriter(CRvArt* art) {
   if (added) (void)conditions.DeleteCondition(key, 1);
   Check(code);
   AdvanceProgress();
-}
-
-// ------------------------------------------------------------ seams
-
-uint32_t CRvRVLFormat::MillingWriter(CRvArt*) { return kErrOutputNotSupportedYet; }
-
-void CRvRVLFormat::WriteMicroJoints() {
-  const CRvRIFMemoryData& doc = CRvDataAccess::Instance().ActiveDocument();
-  for (const auto& layer : doc.Layers()) {
-    if (layer->GetName() == kMicroJointLayer) Raise(kErrOutputNotSupportedYet);
-  }
 }
 
 }  // namespace rv

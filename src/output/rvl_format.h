@@ -33,12 +33,52 @@ inline constexpr const char* kCreatingPlotDataText = "Createing plot data... %d 
 inline constexpr const char* kHatchingFrameKey = "RivlenHatchingFrame";
 inline constexpr const char* kHatchingLineKey = "RivlenHatchingLine";
 
-/// Code of the output routes that this build doesn't carry yet (milling
-/// writer of classes 5 and 12, output of a "MicroJointLayer"): the format
-/// has no such output, as for an export through an import-only format.
-constexpr uint32_t kErrOutputNotSupportedYet = ErrCode(1, 17);
+/// The message that the milling and joint writers show when they fail.
+inline constexpr const char* kMillingMessage = "JudgeArtforMilling:Error";
+inline constexpr const char* kMillingMessageTitle = "test";
+
+/// The most joints that a component's joint tag gives.
+constexpr int kMaxJoints = 12;
+
+/// The joints of an art: segment indexes of a component, as the joint tag
+/// gives them.
+struct JointList {
+  int16_t count = 0;
+  int16_t starts[kMaxJoints] = {};
+  int16_t ends[kMaxJoints] = {};
+};
+
+/// The condition of one pass and its milling record; zeros where the table
+/// has none (an unknown key, a record of another machine family).
+struct MillingCondition {
+  CondRecord record{};
+  MillingExtension milling{};
+};
+
+/// Reads the condition of `key` at `pass` (1 first).
+MillingCondition ReadMillingCondition(const std::string& key, int32_t pass);
+
+/// A depth or thickness in tenths of a millimetre, rounded half up.
+inline int32_t Tenths(double millimetres) { return TruncToInt32(millimetres * 10.0 + 0.5); }
+/// The depth word of the tool-machine dialect (1) counts downward.
+inline int32_t DownwardTenths(double millimetres) { return TruncToInt32(0.5 - millimetres * 10.0); }
+
+/// Reads the value of a joint tag: the count, then start and end of each
+/// joint, comma-separated. Numbers read as atoi reads them; the count is
+/// held to 0..12 and to the pairs that follow it.
+JointList ParseJointTag(const std::string& text);
 
 class CRvArtSort;
+
+/// RefMap and sort callbacks over a format (`context`): the cutting writer
+/// and the milling writer of one art.
+uint32_t CuttingWriterThunk(void* context, void* art);
+uint32_t MillingWriterThunk(void* context, void* art);
+
+/// The closed paths of a collected list, for the inside pass. A group or
+/// compound stands in a collected list once for each path below it, under
+/// its own handle: it isn't a path, so it takes no part.
+std::vector<RVINSIDEPATH> ClosedPathsOf(const std::vector<RVINSIDEPATH>& collected);
 
 class CRvRVLFormat : public CRvFormatStrategy {
  public:
@@ -69,13 +109,30 @@ class CRvRVLFormat : public CRvFormatStrategy {
   /// Reads the condition of `key` at `pass` and writes its block.
   void WriteConditionBlock(const std::string& key, int32_t pass);
 
-  // ---- seams of the routes that come later ----
-  /// The milling writer of classes 5 and 12, one art. Not carried yet: every
-  /// art returns kErrOutputNotSupportedYet.
+  // ---- router output ----
+  /// The milling writer of classes 5 and 12, one art: depth passes with
+  /// their condition blocks, offsets through makeOffsetArt, joints. Shows
+  /// the milling message and returns the code when it fails.
   uint32_t MillingWriter(CRvArt* art);
-  /// Output of the layer "MicroJointLayer" after the job. Nothing without
-  /// the layer; with it, not carried yet (kErrOutputNotSupportedYet).
+  /// Output of the layer "MicroJointLayer" after the job (outputMicroJoints):
+  /// the joint writer over its paths, then the layer is deleted. Nothing
+  /// without the layer.
   void WriteMicroJoints();
+  /// The joint writer, one path of "MicroJointLayer". Shows the milling
+  /// message and returns the code when it fails.
+  uint32_t JointWriter(CRvArt* path);
+  /// Copies the joint stretches of `component` to "MicroJointLayer", one
+  /// path each, tagged with the passes from `firstPass` to `lastPass`.
+  void BuildJoints(const std::string& key, const CRvBezier& component, const RVRIFMATRIX& matrix,
+                   const JointList& joints, int32_t firstPass, int32_t lastPass, bool forward);
+  /// Makes the job a tiled job of `tiles`; `finalOriginY` receives the
+  /// originY behind the last tile when the route ends.
+  void SetTiles(const RVTILEPARAM& tiles, double* finalOriginY);
+  /// Sets the offset maker of a milling job.
+  void SetOffsetMaker(void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt) {
+    m_callbackUser = callbackUser;
+    m_makeOffsetArt = makeOffsetArt;
+  }
 
   // ---- writing ----
   /// Writes `length` bytes to the output file. A short write closes the
@@ -94,7 +151,16 @@ class CRvRVLFormat : public CRvFormatStrategy {
   /// The path writer: one path component, mapped by the art matrix, the
   /// placement and the output flip, as moves and draws (or arcs, splines)
   /// from its start segment; one write per record.
-  void WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix, bool closed, bool forward, int& needMove);
+  void WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix, bool closed, bool forward, int& needMove) {
+    WritePathSteps(path, artMatrix, closed, forward, needMove, nullptr, 0.0);
+  }
+  /// The joint path writer: the path writer that changes depth over the
+  /// joints (at `depth`, the depth of the pass), writes the repeated point
+  /// of each curve and never V-cuts.
+  void WriteJointPath(const CRvBezier& path, const RVRIFMATRIX& artMatrix, bool closed, bool forward,
+                      int& needMove, const JointList& joints, double depth) {
+    WritePathSteps(path, artMatrix, closed, forward, needMove, &joints, depth);
+  }
 
   /// The frame round the whole job.
   void WriteFrame();
@@ -118,14 +184,14 @@ class CRvRVLFormat : public CRvFormatStrategy {
   int32_t m_artDone = 0;
   RVPLOTPARAM m_param;
   std::string m_tilePrefix;
-  int32_t m_tiles = 0;
+  std::vector<RVTILE> m_tiles;
   RVRIFMATRIX m_placement = kIdentity;
   RVRECT m_placementRect{};
   int32_t m_tileMode = 0;
-  int32_t m_currentTile = 0;
+  const RVTILE* m_currentTile = nullptr;
   std::string m_currentKey;
   double* m_finalOriginY = nullptr;
-  void* m_makeOffsetArt = nullptr;
+  RvMakeOffsetArtFunc m_makeOffsetArt = nullptr;
   uint8_t m_vCut = 0;
 
  private:
@@ -142,6 +208,45 @@ class CRvRVLFormat : public CRvFormatStrategy {
   void WriteSorted(CRvArtSort& sort);
   /// The record of a curve conversion of the path writer, one write.
   void WriteCurveRecord(const RVCURVEPOINT& r, bool exchange);
+  /// The arc or spline records of the curve from ab[0] to ab[1], step `i`
+  /// of a path; `skipRepeat` drops a first point that repeats the curve
+  /// before.
+  void WriteCurveRecords(RVBEZIERPOINT (&ab)[2], int32_t i, int& needMove, bool exchange, bool skipRepeat);
+  /// The path writer; with `joints` the joint path writer at `depth`.
+  void WritePathSteps(const CRvBezier& path, const RVRIFMATRIX& artMatrix, bool closed, bool forward,
+                      int& needMove, const JointList* joints, double depth);
+
+  // ---- milling (milling_writer.cpp) ----
+  struct MillingPass;
+  /// The passes of one art that isn't excluded.
+  void MillArt(CRvArt* art);
+  /// The art that pass `pass` mills (step 3 of a pass), updating the offsets.
+  CRvArt* OffsetArtOfPass(CRvArt* art, int32_t pass, bool closed, MillingPass& state);
+  /// The paths of the current art, each with its condition block and its
+  /// components.
+  void MillPaths(CRvArt* current, int32_t pass, bool closed, MillingPass& state);
+  /// The condition block of a milling pass, one write.
+  void WriteMillingBlock(int32_t pass, MillingPass& state);
+  /// The condition block of a joint's pass, one write.
+  void WriteJointBlock(const std::string& key, int32_t pass);
+  /// Raises the tool to jointDepthLimit over a joint (`lifting`) or lowers
+  /// it to `depth` after it, where the rules say so; one write.
+  void DepthChange(double depth, bool lifting);
+  /// The pen of a tool name, kept from the last tool that maps to one.
+  int16_t KeptPen(const char* tool);
+  int16_t m_keptPen = 0;
+
+  // ---- tiles (tile_route.cpp) ----
+  /// The tiles in their order of writing, each placed, written and framed.
+  void TileRoute();
+  /// Placement of the current tile.
+  void PlaceTile();
+  /// The arts of the current tile through the writers of the class.
+  void WriteTileArts();
+  /// The frames of the current tile's rectangles.
+  void WriteTileFrames();
+  /// originY after the current tile.
+  void AdvanceOriginY();
 
   RVRIFMATRIX m_flip = kIdentity;     // output flip, kept with the placement
   std::string m_record;               // one record of the path writer

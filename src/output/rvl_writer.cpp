@@ -71,8 +71,28 @@ void CRvRVLFormat::WriteCurveRecord(const RVCURVEPOINT& r, bool exchange) {
   WriteBytes(m_record);
 }
 
-void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix, bool closed, bool forward,
-                             int& needMove) {
+namespace {
+
+bool Listed(const int16_t* indexes, int16_t count, int32_t index) {
+  for (int16_t j = 0; j < count; ++j) {
+    if (indexes[j] == index) return true;
+  }
+  return false;
+}
+
+// A joint begins at segment `index` on the way in the walking direction: a
+// start going forward, an end going backward.
+bool JointBegins(const JointList& joints, int32_t index, bool backward) {
+  return Listed(backward ? joints.ends : joints.starts, joints.count, index);
+}
+bool JointEnds(const JointList& joints, int32_t index, bool backward) {
+  return Listed(backward ? joints.starts : joints.ends, joints.count, index);
+}
+
+}  // namespace
+
+void CRvRVLFormat::WritePathSteps(const CRvBezier& path, const RVRIFMATRIX& artMatrix, bool closed, bool forward,
+                                  int& needMove, const JointList* joints, double depth) {
   const int32_t n = path.GetPointCount();
   if (n <= 0) return;
   // A start segment beyond the points (set by a host) wraps round.
@@ -80,7 +100,11 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
   const bool exchange = plotter::ExchangesXY(m_param.plotterClass);
   const bool backward = closed && !forward;
   const double unit = m_param.deviceUnit;
-  const bool polyline = m_param.curveOutput == 0 || m_vCut != 0;
+  // Over joints the tool changes depth between curves, so each curve is
+  // written whole, its first point too; there is no V-cut.
+  const bool vCut = joints == nullptr && m_vCut != 0;
+  const bool skipRepeat = joints == nullptr;
+  const bool polyline = m_param.curveOutput == 0 || vCut;
   for (int32_t i = 0; i < n; ++i) {
     if (i == n - 1 && !closed && n > 1) break;  // an open path has n - 1 curves
     RVBEZIERPOINT ab[2];
@@ -93,6 +117,7 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
     }
     MapRecord(ab[0], artMatrix);
     MapRecord(ab[1], artMatrix);
+    if (joints != nullptr && JointBegins(*joints, idx, backward)) DepthChange(depth, true);
 
     if (polyline) {
       // The common case, without records: the points as RvMiCurvesToPoints
@@ -107,65 +132,69 @@ void CRvRVLFormat::WritePath(const CRvBezier& path, const RVRIFMATRIX& artMatrix
         WriteBytes(m_record);
         needMove = 0;
       }
-      const int drawRow = m_vCut != 0 ? kRowVCutDraw : kRowDraw;
+      const int drawRow = vCut ? kRowVCutDraw : kRowDraw;
       for (std::size_t j = 0; j < m_polyline.size(); ++j) {
-        if (i != 0 && j == 0) continue;  // repeats the previous curve's end
+        if (skipRepeat && i != 0 && j == 0) continue;  // repeats the previous curve's end
         RVPOINT p = m_polyline[j];
         if (exchange) std::swap(p.x, p.y);
         m_record.clear();
         AppendRow(m_record, drawRow, {p.y / unit, p.x / unit});
         WriteBytes(m_record);
       }
-      idx = next;
-      continue;
-    }
-
-    CRvConvertPt worker;
-    worker.m_maxLength = m_param.curveMaxLength;
-    CurveList records;
-    if (m_param.curveOutput == 1) {
-      worker.m_tolerance = m_param.curveTolerance;
-      records = worker.CurvesToArc(ab, 2, unit);
     } else {
-      worker.m_tolerance = 0.042;
-      records = worker.CurvesToSpline(ab, 2, unit);
+      WriteCurveRecords(ab, i, needMove, exchange, skipRepeat);
     }
-    if (!records.empty()) {
-      const RVCURVEPOINT& first = records[0];
-      if (needMove != 0) {
-        double x, y;
-        if (first.kind == 1) {
-          x = first.arc.startX;
-          y = first.arc.startY;
-        } else if (first.kind == 0) {
-          x = first.point.x;
-          y = first.point.y;
-        } else {
-          x = first.spline[0].x;
-          y = first.spline[0].y;
-        }
-        if (exchange) std::swap(x, y);
-        m_record.clear();
-        if (first.kind == 0) {
-          AppendRow(m_record, kRowMove, {y / unit, x / unit});
-        } else {
-          AppendRow(m_record, kRowMove, {y, x});
-          if (first.kind == 1) AppendRow(m_record, kRowPenDown, {});
-        }
-        WriteBytes(m_record);
-        needMove = 0;
-      }
-      if (first.kind == 3) {
-        m_record.clear();
-        AppendRow(m_record, kRowPenDown, {});
-        WriteBytes(m_record);
-      }
-      for (std::size_t j = 0; j < records.size(); ++j) {
-        if (i != 0 && j == 0 && records[j].kind == 0) continue;  // the previous curve's end
-        WriteCurveRecord(records[j], exchange);
-      }
-    }
+    if (joints != nullptr && JointEnds(*joints, next, backward)) DepthChange(depth, false);
     idx = next;
+  }
+}
+
+void CRvRVLFormat::WriteCurveRecords(RVBEZIERPOINT (&ab)[2], int32_t i, int& needMove, bool exchange,
+                                     bool skipRepeat) {
+  const double unit = m_param.deviceUnit;
+  CRvConvertPt worker;
+  worker.m_maxLength = m_param.curveMaxLength;
+  CurveList records;
+  if (m_param.curveOutput == 1) {
+    worker.m_tolerance = m_param.curveTolerance;
+    records = worker.CurvesToArc(ab, 2, unit);
+  } else {
+    worker.m_tolerance = 0.042;
+    records = worker.CurvesToSpline(ab, 2, unit);
+  }
+  if (records.empty()) return;
+  const RVCURVEPOINT& first = records[0];
+  if (needMove != 0) {
+    double x, y;
+    if (first.kind == 1) {
+      x = first.arc.startX;
+      y = first.arc.startY;
+    } else if (first.kind == 0) {
+      x = first.point.x;
+      y = first.point.y;
+    } else {
+      x = first.spline[0].x;
+      y = first.spline[0].y;
+    }
+    if (exchange) std::swap(x, y);
+    m_record.clear();
+    if (first.kind == 0) {
+      AppendRow(m_record, kRowMove, {y / unit, x / unit});
+    } else {
+      AppendRow(m_record, kRowMove, {y, x});
+      if (first.kind == 1) AppendRow(m_record, kRowPenDown, {});
+    }
+    WriteBytes(m_record);
+    needMove = 0;
+  }
+  if (first.kind == 3) {
+    m_record.clear();
+    AppendRow(m_record, kRowPenDown, {});
+    WriteBytes(m_record);
+  }
+  for (std::size_t j = 0; j < records.size(); ++j) {
+    if (skipRepeat && i != 0 && j == 0 && records[j].kind == 0) continue;  // the previous curve's end
+    WriteCurveRecord(records[j], exchange);
   }
 }
 

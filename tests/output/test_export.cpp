@@ -434,23 +434,6 @@ TEST_F(ExportTest, SortedRoutes) {
   EXPECT_NE(RvGiGetArtTag(outer, "RivlenKerflowInsidePathTag", value), 0u);
 }
 
-TEST_F(ExportTest, MillingAndMicroJointsAreNotCarriedYet) {
-  AddPath({{0, 0}, {10, 0}}, false, "A");
-  RvGiSetRefMapRouterOffsetSIndex(m_map);
-  RvGiSetRefMapRouterOffsetEIndex(m_map);
-  uint32_t code = 0;
-  EXPECT_EQ(Export(Param(5, 0), &code), "");
-  EXPECT_EQ(code, 0x01001101u);
-  RVPLOTPARAM p = Param(6, 0);
-  p.outputMicroJoints = 1;
-  EXPECT_EQ(Export(p), kStroke + "PU;");  // no joint layer: nothing more
-  void* layer = nullptr;
-  ASSERT_EQ(RvGiCreateLayer(1, nullptr, &layer), 0u);
-  ASSERT_EQ(RvGiSetLayerName(layer, "MicroJointLayer"), 0u);
-  Export(p, &code);
-  EXPECT_EQ(code, 0x01001101u);
-}
-
 // Theta values come from the condition's extension; the milling families
 // keep a milling record there, which has none.
 TEST_F(ExportTest, ThetaRowsOnlyFromThetaExtensions) {
