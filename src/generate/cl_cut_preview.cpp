@@ -102,7 +102,7 @@ void CRvCLCutPreview::ConvertChildren(CRvDataAccess& store, const CRvArt* source
     if (type == kArtPath) {
       ConvertPath(store, art, target);
     } else if (type == kArtCompound) {
-      CRvArt* compound = store.CreateArt(kArtCompound, kPositionLastChild, target);
+      CRvArt* compound = store.CreateArt(kArtCompound, kLastChild, target);
       for (CRvArt* path = store.GetArtFirstChild(art); path != nullptr; path = store.GetArtSibling(path)) {
         if (path->GetType() == kArtPath) ConvertPath(store, path, compound);
       }

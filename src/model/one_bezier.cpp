@@ -13,14 +13,14 @@ CRvArt* JoinComponentsIntoBezier(CRvDataAccess& store, CRvArt* copy, const CRvAr
     if (type == kArtBezier) {
       const auto* bezier = static_cast<const CRvBezier*>(child);
       if (output == nullptr) {
-        output = store.CopyArt(kArtBezier, kPositionLastChild, copy, child);
+        output = store.CopyArt(kArtBezier, kLastChild, copy, child);
         store.SetPathClosed(output, closed);
         continue;
       }
       for (int32_t i = 0; i < bezier->GetPointCount(); ++i) store.AddBezierPoint(output, bezier->GetPoint(i));
     } else if (type == kArtArc) {
       if (output == nullptr) {
-        output = store.CreateArt(kArtBezier, kPositionLastChild, copy);
+        output = store.CreateArt(kArtBezier, kLastChild, copy);
         store.SetPathClosed(output, closed);
       }
       const auto* arc = static_cast<const CRvArc*>(child);
@@ -34,7 +34,7 @@ CRvArt* JoinComponentsIntoBezier(CRvDataAccess& store, CRvArt* copy, const CRvAr
 }
 
 CRvArt* CopyPathShell(CRvDataAccess& store, CRvArt* parent, const CRvArt* source) {
-  CRvArt* copy = store.CopyArt(kArtPath, kPositionLastChild, parent, source);
+  CRvArt* copy = store.CopyArt(kArtPath, kLastChild, parent, source);
   store.SetPathClosed(copy, store.GetPathClosed(source));
   store.SetPathProp(copy, store.GetPathAttrFlag(source));
   return copy;

@@ -16,9 +16,6 @@ namespace rv {
 
 class CRvDataAccess;
 
-/// Position of a new art behind the reference's last child.
-inline constexpr int16_t kPositionLastChild = 5;
-
 /// Joins the components of `source` (a path) into one Bezier under `copy`
 /// (a path without children), in list order: the first Bezier component is
 /// copied as it stands, later ones add their points behind the output's last

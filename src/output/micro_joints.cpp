@@ -19,7 +19,6 @@ namespace rv {
 namespace {
 
 constexpr int16_t kLayerAtEnd = 1;   // layer position: behind all others
-constexpr int16_t kLastChild = 5;    // art position: last child of the reference
 /// The property of a joint's path: its flags take bit 2, so that it counts
 /// for output.
 constexpr int16_t kJointPathProperty = 7;
