@@ -1073,6 +1073,59 @@ RV_API uint32_t RvExRIFTileToRVL(const char* path, int16_t documentIndex, RVPLOT
 RV_API uint32_t RvExRIFMillingToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
                                     void* progressContext, void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt);
 
+/* ---- Milling of CL jobs ----
+ * A document of CL imports (result layers named "CLPlotFileLayer1",
+ * "CLPlotFileLayer2", ... by RvImCLToRIF's layerName) is milled with the
+ * offsets made by the library's router instead of the host. With
+ * plotterClass 0 the export
+ *  1. turns and merges the numbered layers into "CLRouterBaseOffsetLayer"
+ *     (holes and outer shapes in opposite senses, shapes with holes as
+ *     compounds), registered under "CLRouterOffsetPath" in a new table that
+ *     becomes the router start, end and plot table;
+ *  2. mills every art of that table (paths of compounds one by one) in the
+ *     passes of its condition (conditionSource 3: conditionKey; 1 or 2: the
+ *     art's plot info, which the merged copies don't have), as the milling
+ *     writer does: at pass 1 and at every change of the Milling value m of a
+ *     closed art, the art is offset anew by (m - m of pass 1) / 2 into the
+ *     layer "CLRouterOffsetLayerA" (made anew for each art), whose paths,
+ *     with plot info "CLRouterCutCondition", are milled: the first gets the
+ *     start nearest to where the tool stands, each path runs the other way
+ *     when its source ran clockwise, gets its automatic joints with
+ *     outputMicroJoints (routerJointCount joints of routerJointLength) and a
+ *     lead with routerLeadIn; an open art is milled as it stands;
+ *  3. with writeToolDefaults -1, mills the clearing lines of
+ *     RvExCLCreateHatching, every art of "Rivlen_ContourPathLayer" (with
+ *     routerUseContour) or "Rivlen_HatchingPathLayer", each curve joined to
+ *     the one before without a lift when it starts closer than twice the
+ *     Milling value of pass 1 of conditionKey (in hatching, never when both
+ *     lie on one column, x cut to 0.01);
+ *  4. with outputMicroJoints, writes "MicroJointLayer" as RvExRIFToRVL does.
+ * Records are written as they stand: no art matrix, placement or flip. The
+ * condition block (rows 51, 13, 49, 52, 47, 45, 54) is always written in
+ * the tool-machine dialect (1), the moves and draws in param's dialect; the
+ * depth changes over joints follow param's dialect. The layers that the
+ * route makes stay in the document. Any other plotterClass writes only
+ * step 4.
+ * Placement of a lead: the three records (the start point again, then the
+ * lead point twice) go behind the path's last point, and the start segment
+ * becomes the point count + 1, the first lead point; the path leaves the
+ * lead point, runs round from point 0 and comes back to it. A lead point
+ * lies 2.0 from the start on the bisector of its corner, beside the cut
+ * (outside an outer shape, inside a hole); where it would fall on the wrong
+ * side, the lead has no length. Automatic joints: a text of more than 127
+ * characters leaves out the numbers that don't fit; a count below 1 makes
+ * no joints. */
+
+/** Writes the CL job of document documentIndex (made active) as a milling
+ *  job into the file path, truncated first; param is copied. 0x09001D01 for a
+ *  bad document, 0x01000201 when the file can't be opened, 0x06001001 for a
+ *  null param or a condition key whose pass can't be read, 0x08004001 for a
+ *  drawing beyond the clipper's grid, 0x01000301 when the file can't be
+ *  written; a failure of an art shows "JudgeArtForMilling:Error" (title
+ *  "test") on the message sink. What was written and made before a failure
+ *  stays. */
+RV_API uint32_t RvExCLMillingToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param);
+
 /* How the router writers read the drawing, where the rules leave a choice:
  *  - The condition of a milled art comes from its key as in the cutting
  *    writer (conditionSource 3: conditionKey; 1, 2: the plot info). An art
@@ -1253,6 +1306,25 @@ RV_API uint32_t RvExCLGetCutPreviewPointData(RVPOINT* points);
 /** Drops every pass and point, then deletes the active document (its code:
  *  0x09001D01 when none is active; the data are dropped all the same). */
 RV_API uint32_t RvExCLInitializeCutPreviewData(void);
+
+/* ---- Clearing of a CL job ---- */
+
+/** Clears the area of the CL job in document documentIndex (made active)
+ *  with hatching or contour lines. A new "Rivlen_HatchingWorkLayer" gets a
+ *  copy of each path of "CLTempFileLayer" (compounds as new compounds), its
+ *  components joined into one Bezier (arcs as Bezier points), turned so that
+ *  outer shapes run clockwise and holes counter-clockwise. A new RefMap table
+ *  becomes the hatching plot, hatching start and end and main table. With
+ *  m the Milling value of pass 1 of param's conditionKey (0 when not
+ *  enabled): pitch m - routerOverlap (0.2 when that isn't above 0), offset -m
+ *  with routerInside else routerOverlap, angle 4.71238899230957, even-odd
+ *  fill, lines only, cornerLines routerCornerLines; then RvCreateContour
+ *  (routerUseContour) or RvCreateHatching with their codes. The copies carry
+ *  no plot info: the generators then give their lines none (number 0, empty
+ *  text). 0x09001D01 for a bad document, 0x03001001 without
+ *  "CLTempFileLayer", 0x06001001 for a null param or a key that names no
+ *  media. */
+RV_API uint32_t RvExCLCreateHatching(uint16_t documentIndex, const RVPLOTPARAM* param);
 /* Both generators read the layer "Rivlen_HatchingWorkLayer" of the active
  * document, which the host fills with the shapes: closed paths (or
  * compounds of closed paths, an outline with its holes) whose first
@@ -1292,7 +1364,9 @@ RV_API uint32_t RvExCLInitializeCutPreviewData(void);
  *               echoes (half their extent / the step).
  *   0x08004701  a null document pointer or a null record.
  *   0x09001D01  *document names no document.
- *   0x06001001  the work layer's first path has no plot info.
+ *   (The results carry the plot info of the work layer's first path; a first
+ *   path without plot info, such as the copies that RvExCLCreateHatching
+ *   makes, gives them none: number 0 and empty text. Library choice.)
  *   0x08001901  the record's matrix can't be inverted (lines: after their
  *               order is done; frame and contour: before their output). */
 

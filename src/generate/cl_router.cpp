@@ -282,7 +282,7 @@ void CRvCLRouter::FinishPaths(CRvArt* result, const RVPLOTPARAM& param, const RV
     CRvArt* bezier = FirstBezier(path);
     if (bezier == nullptr) continue;
     if (reverseIf == 1) store.ReverseBezierPoint(bezier);
-    const int32_t start = store.GetPathStartSegment(path);
+    const int32_t start = store.GetPathStartSegment(bezier);
     const bool closed = store.GetPathClosed(path) != 0;
     if (param.outputMicroJoints != 0) {
       AutomaticJoints(bezier, start, closed, param.routerJointLength, param.routerJointCount);
@@ -306,7 +306,8 @@ void CRvCLRouter::ChooseStart(CRvArt* path, const RVPOINT& pen) {
       index = i;
     }
   }
-  if (index != 0) Store().SetPathStartSegment(path, int16_t(index));
+  // Start segments live on the component that the writers walk.
+  if (index != 0) Store().SetPathStartSegment(bezier, int16_t(index));
 }
 
 // ---------------------------------------------------------------------------
@@ -394,7 +395,7 @@ void CRvCLRouter::Lead(CRvArt* path, int32_t start, bool inside) {
   store.AddBezierPoint(bezier, rec);
   store.AddBezierPoint(bezier, lead);
   store.AddBezierPoint(bezier, lead);
-  store.SetPathStartSegment(path, int16_t(n + 1));
+  store.SetPathStartSegment(bezier, int16_t(n + 1));
 }
 
 RVPOINT CRvCLRouter::LeadPoint(CRvArt* path, CRvArt* bezierArt, int32_t start, bool inside) {
