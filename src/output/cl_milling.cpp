@@ -93,8 +93,6 @@ class CRvCLMillingWriter : public CRvRVLFormat {
   }
 
   std::string m_key;
-  bool m_conditionDue = false;
-  int32_t m_passes = 1;
   RVPOINT m_pen{0.0, 0.0};
   RVPOINT m_clearingLast{0.0, 0.0};
   double m_clearingMilling = 0.0;

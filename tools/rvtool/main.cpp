@@ -45,6 +45,7 @@ constexpr rvtool::SubcommandMaker kSubcommands[] = {
     rvtool::AddPlotSubcommand,
     rvtool::AddRenderCommand,
     rvtool::AddPreviewCommand,
+    rvtool::AddMillCommand,
 };
 
 int main(int argc, char** argv) {
