@@ -80,7 +80,6 @@ namespace rv {
 
 /// Path generation: clipper adaptor, hatching, contour and their order.
 #define RV_ERROR_CODES_GENERATE(X)                                                                              \
-  X(kGenerateNothingMade, 1u, "the offset of the shapes or of the frame left nothing, so nothing was made")     \
   X(kErrClipCoordinate, 0x08004001u, "a point or offset for clipping isn't finite or lies beyond 1000000 mm")  \
   X(kErrClipFailed, 0x08004101u, "the clipping library refused the paths it was given")                      \
   X(kErrGenerateNoMap, 0x08004201u, "the hatching plot table or the current RefMap table names no table")    \
@@ -106,6 +105,12 @@ namespace rv {
   RV_ERROR_CODES_GENERATE(X)                                                            \
   RV_ERROR_CODES_ROUTER(X)                                                              \
   RV_ERROR_CODES_CL(X) RV_ERROR_CODES_CMX(X) RV_ERROR_CODES_ITW(X) RV_ERROR_CODES_PREFS(X)
+
+/// The result 1 of RvCreateHatching: the offset of the shapes or of the
+/// frame left nothing, so that step made nothing. Not a failure of the
+/// library, and so not a row of the table (where 1 would mean the same as
+/// the result 1 of an import that draws nothing).
+inline constexpr uint32_t kGenerateNothingMade = 1u;
 
 #define RV_DEFINE_ERROR_CODE(name, value, words) inline constexpr uint32_t name = value;
 RV_ALL_ERROR_CODES(RV_DEFINE_ERROR_CODE)

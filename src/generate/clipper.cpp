@@ -16,7 +16,6 @@ namespace {
 
 namespace CL = ClipperLib;
 
-constexpr int16_t kFirstChild = 4;            // position of RvGiCreateArt: the new art comes first
 constexpr int16_t kLayerAtFront = 0;          // where a new result layer goes
 constexpr uint8_t kResultFlags = 7;           // attribute flags and RefMap info of every new art
 constexpr uint16_t kUnsetMark = 65535;        // a line mark that nothing has set

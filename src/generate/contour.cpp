@@ -284,7 +284,7 @@ void CRvContour::CopyLevel(CRvArt* layer, CRvArt* levelLayer) {
       if (paths.empty()) continue;
       std::stable_sort(paths.begin(), paths.end(),
                        [](const auto& x, const auto& y) { return x.first < y.first; });
-      CRvArt* compound = store.CreateArt(kArtCompound, kPositionLastChild, layer);
+      CRvArt* compound = store.CreateArt(kArtCompound, kLastChild, layer);
       for (const auto& entry : paths) CopyPathDeep(compound, entry.second);
     }
   }
@@ -300,14 +300,14 @@ void CRvContour::MakeCornerLines(CRvArt* layer, const RunPlotInfo& plot) {
   const int16_t map = HatchingPlotMap();
   for (const RVCONTOURCORNER& record : m_lineList) {
     if (SamePoint(record.corner, record.target) && record.corner.x == 0.0) continue;
-    CRvArt* path = store.CreateArt(kArtPath, kPositionLastChild, layer);
-    CRvArt* bezier = store.CreateArt(kArtBezier, kPositionLastChild, path);
+    CRvArt* path = store.CreateArt(kArtPath, kLastChild, layer);
+    CRvArt* bezier = store.CreateArt(kArtBezier, kLastChild, path);
     for (const RVPOINT end : {record.corner, record.target}) {
       RVBEZIERPOINT p{};
       p.anchor = p.in = p.out = end;
       store.AddBezierPoint(bezier, p);
     }
-    store.SetPathRgb(path, kStrokeUse, 0, 0, 0, kLineColorName);
+    store.SetPathRgb(path, kStrokeColor, 0, 0, 0, kLineColorName);
     store.SetPathProp(path, kGeneratedFlags);
     store.SetPathAttrFlag(path, kGeneratedFlags);
     store.SetPathClosed(path, 0);

@@ -190,14 +190,14 @@ void CRvHatching::MakeLinePaths(int16_t document, CRvArt* workLayer) {
   for (auto it = m_work.lines.rbegin(); it != m_work.lines.rend(); ++it) {
     const RVHATCHLINE& line = *it;
     if (line.x1 == line.x2 && line.y1 == line.y2 && line.x1 == 0.0) continue;  // a removed line
-    CRvArt* path = store.CreateArt(kArtPath, kPositionFirstChild, layer);
-    CRvArt* bezier = store.CreateArt(kArtBezier, kPositionFirstChild, path);
+    CRvArt* path = store.CreateArt(kArtPath, kFirstChild, layer);
+    CRvArt* bezier = store.CreateArt(kArtBezier, kFirstChild, path);
     for (const RVPOINT end : {RVPOINT{line.x1, line.y1}, RVPOINT{line.x2, line.y2}}) {
       RVBEZIERPOINT p{};
       p.anchor = p.in = p.out = Apply(inverse, end);
       store.AddBezierPoint(bezier, p);
     }
-    store.SetPathRgb(path, kStrokeUse, 0, 0, 0, kLineColorName);
+    store.SetPathRgb(path, kStrokeColor, 0, 0, 0, kLineColorName);
     store.SetPathProp(path, kGeneratedFlags);
     store.SetPathAttrFlag(path, kGeneratedFlags);
     store.SetPathClosed(path, 0);

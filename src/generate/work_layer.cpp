@@ -110,15 +110,15 @@ void RequireFinite(const RVRIFMATRIX& m) { RequireFinite({m.a, m.b, m.c, m.d, m.
 
 CRvArt* CopyPathDeep(CRvArt* parent, CRvArt* source) {
   CRvDataAccess& store = CRvDataAccess::Instance();
-  CRvArt* copy = store.CopyArt(kArtPath, kPositionLastChild, parent, source);
+  CRvArt* copy = store.CopyArt(kArtPath, kLastChild, parent, source);
   store.SetPathClosed(copy, store.GetPathClosed(source));
   store.SetPathProp(copy, store.GetPathAttrFlag(source));
   for (CRvArt* part = store.GetArtFirstChild(source); part != nullptr; part = store.GetArtSibling(part)) {
     const int16_t type = store.GetArtType(part);
     if (type == kArtBezier) {
-      store.CopyArt(kArtBezier, kPositionLastChild, copy, part);
+      store.CopyArt(kArtBezier, kLastChild, copy, part);
     } else if (type == kArtArc || type == kArtSpline) {
-      store.CopyPath(part, kPositionLastChild, copy);
+      store.CopyPath(part, kLastChild, copy);
     }
   }
   return copy;

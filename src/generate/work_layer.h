@@ -29,14 +29,8 @@ inline constexpr double kFlattenMaxLength = 31000.0;
 inline constexpr double kFlattenTolerance = 0.03;
 inline constexpr int32_t kFlattenMode = 1;
 
-/// Colour use of a stroke, and the attribute flags and RefMap info of the
-/// lines the generators make.
-inline constexpr int16_t kStrokeUse = 2;
+/// The attribute flags and RefMap info of the lines the generators make.
 inline constexpr uint8_t kGeneratedFlags = 7;
-
-/// Positions of RvGiCreateArt: first child, last child.
-inline constexpr int16_t kPositionFirstChild = 4;
-inline constexpr int16_t kPositionLastChild = 5;
 
 /// One flattened path: its polyline in millimetres (records of kind 0).
 struct FlatPath {
