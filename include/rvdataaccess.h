@@ -979,6 +979,37 @@ RV_API uint32_t RvImItwToRIF(const char* path, const char* fontFolder, const cha
  *  and the layers and arts made until then. */
 RV_API uint32_t RvImCMXToRIF(const char* path, int16_t mode, int16_t* documentIndex, const char* text);
 
+/* CL files (router jobs) speak the same languages and go through the same
+ * reading as plot files, with the same rules for closing, colours and
+ * flags. The import builds its paths in the working layer
+ * "CLTempFileLayer" and then copies each of them, in order, into the result
+ * layer, made in front of it: there a path has exactly one component, a
+ * Bezier, into which the path's Bezier components are joined and its arcs
+ * turned into Bezier points (pieces of at most 60 degrees, so a circle gives
+ * seven points); where a line and an arc meet, their shared point stands
+ * twice. A copy keeps the closed flag, the attribute flags, the colours, the
+ * bounds and the matrix of its source, but no path element values and no
+ * plot info. After an import the document holds the result layer at index
+ * 0, "CLTempFileLayer" at index 1, and the layers it had before behind them;
+ * the working layer stays, for the router (RvExCLCreateHatching).
+ * The path element values (VT with JT) are set on a path that a pen-up move
+ * ends; a path that only the end of the file ends gets none. */
+
+/** Imports the CL file path. mode 0: every document is deleted first
+ *  (RvGiDeleteAllDocuments, also when the file then can't be opened), and
+ *  the import goes into a new document, whose index goes to *documentIndex
+ *  (if not null); else into the document *documentIndex, which becomes
+ *  active (bad index or null pointer: 0x09001D01). unitScale as for
+ *  RvImPLTToRIF. layerName: the name of the result layer; null selects
+ *  "CLPlotFileLayer", any other text is taken as it stands, the empty one
+ *  too. Results: 0; the bare value 1 when the file draws nothing (the
+ *  document then holds the empty working layer and no result layer);
+ *  0x01000201 when the file can't be opened; 0x01000401 when it can't be
+ *  closed; 0x08000E01 when an arc is too large to convert. What was copied
+ *  before a failure stays. */
+RV_API uint32_t RvImCLToRIF(const char* path, int16_t mode, int16_t* documentIndex, const double* unitScale,
+                            const char* layerName);
+
 /* ======================================================================
  * Plot output
  * ====================================================================== */
@@ -1172,6 +1203,59 @@ RV_API uint32_t RvExRIFTileToRVL(const char* path, int16_t documentIndex, RVPLOT
 RV_API uint32_t RvExRIFMillingToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param,
                                     void* progressContext, void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt);
 
+/* ---- Milling of CL jobs ----
+ * A document of CL imports (result layers named "CLPlotFileLayer1",
+ * "CLPlotFileLayer2", ... by RvImCLToRIF's layerName) is milled with the
+ * offsets made by the library's router instead of the host. With
+ * plotterClass 0 the export
+ *  1. turns and merges the numbered layers into "CLRouterBaseOffsetLayer"
+ *     (holes and outer shapes in opposite senses, shapes with holes as
+ *     compounds), registered under "CLRouterOffsetPath" in a new table that
+ *     becomes the router start, end and plot table;
+ *  2. mills every art of that table (paths of compounds one by one) in the
+ *     passes of its condition (conditionSource 3: conditionKey; 1 or 2: the
+ *     art's plot info, which the merged copies don't have), as the milling
+ *     writer does: at pass 1 and at every change of the Milling value m of a
+ *     closed art, the art is offset anew by (m - m of pass 1) / 2 into the
+ *     layer "CLRouterOffsetLayerA" (made anew for each art), whose paths,
+ *     with plot info "CLRouterCutCondition", are milled: the first gets the
+ *     start nearest to where the tool stands, each path runs the other way
+ *     when its source ran clockwise, gets its automatic joints with
+ *     outputMicroJoints (routerJointCount joints of routerJointLength) and a
+ *     lead with routerLeadIn; an open art is milled as it stands;
+ *  3. with writeToolDefaults -1, mills the clearing lines of
+ *     RvExCLCreateHatching, every art of "Rivlen_ContourPathLayer" (with
+ *     routerUseContour) or "Rivlen_HatchingPathLayer", each curve joined to
+ *     the one before without a lift when it starts closer than twice the
+ *     Milling value of pass 1 of conditionKey (in hatching, never when both
+ *     lie on one column, x cut to 0.01);
+ *  4. with outputMicroJoints, writes "MicroJointLayer" as RvExRIFToRVL does.
+ * Records are written as they stand: no art matrix, placement or flip. The
+ * condition block (rows 51, 13, 49, 52, 47, 45, 54) is always written in
+ * the tool-machine dialect (1), the moves and draws in param's dialect; the
+ * depth changes over joints follow param's dialect. The layers that the
+ * route makes stay in the document. Any other plotterClass writes only
+ * step 4.
+ * Placement of a lead: the three records (the start point again, then the
+ * lead point twice) go behind the path's last point, and the start segment
+ * becomes the point count + 1, the first lead point; the path leaves the
+ * lead point, runs round from point 0 and comes back to it. A lead point
+ * lies 2.0 from the start on the bisector of its corner, beside the cut
+ * (outside an outer shape, inside a hole); where it would fall on the wrong
+ * side, the lead has no length. Automatic joints: a text of more than 127
+ * characters leaves out the numbers that don't fit; a count below 1 makes
+ * no joints. */
+
+/** Writes the CL job of document documentIndex (made active) as a milling
+ *  job into the file path, truncated first; param is copied. 0x09001D01 for a
+ *  bad document, 0x01000201 when the file can't be opened, 0x06001001 for a
+ *  null param or a condition key whose pass can't be read, 0x08004001 for a
+ *  drawing beyond the clipper's grid, 0x01000301 when the file can't be
+ *  written; a failure of an art shows "JudgeArtForMilling:Error" (title
+ *  "test") on the message sink. What was written and made before a failure
+ *  stays. */
+RV_API uint32_t RvExCLMillingToRVL(const char* path, int16_t documentIndex, const RVPLOTPARAM* param);
+
 /* How the router writers read the drawing, where the rules leave a choice:
  *  - The condition of a milled art comes from its key as in the cutting
  *    writer (conditionSource 3: conditionKey; 1, 2: the plot info). An art
@@ -1323,6 +1407,105 @@ typedef struct RVCONTOURINFO {
   int32_t cornerLines;         /**< 1: make corner lines; RvInitializeContourInfo leaves it alone */
 } RVCONTOURINFO;
 
+/* ---- Cut preview of a plot job ----
+ * The host shows what a job will cut as flat point lists that fit its
+ * window, one list per pass of the tool. The order of calls:
+ * RvExCLConvertToBezierArt, RvExCLSetCutPreviewMatrix,
+ * RvExCLMakeCutPreviewData, the getters, and RvExCLInitializeCutPreviewData
+ * when the preview closes. The library keeps the passes and points (one
+ * store for the process) from RvExCLMakeCutPreviewData until
+ * RvExCLInitializeCutPreviewData, and owns them; a second
+ * RvExCLMakeCutPreviewData appends. The getters copy into arrays that belong
+ * to the host and that the host sized by RvExCLGetCutPreviewDataCount;
+ * nothing the host receives needs to be freed. A null output is skipped. */
+
+/** One pass of the preview: one component of a path. */
+typedef struct RVCUTPREVIEWPASS {
+  int32_t pointCount; /**< points of this pass in the point list */
+  int32_t clockwise;  /**< 1 when the component runs clockwise (y up) */
+  int32_t closed;     /**< the path is closed */
+  uint16_t passType;  /**< by the path element values (element, value):
+                           0 element -1; 1 (0, 0); 2 (0, 1); 3 any other */
+} RVCUTPREVIEWPASS;
+
+/** Builds the layer "PreviewDataLayer" in front of the active document's
+ *  layers from "KFPlotFileLayer": each path (those of compounds inside a new
+ *  compound; groups and other arts are left out) is copied with its closed
+ *  flag, attribute flags and path element values, and its components are
+ *  joined into one Bezier, arcs as Bezier points (as in RvImCLToRIF). The
+ *  bounds of the copy are stored as the bounding box of the copy and of the
+ *  original path. Library choice: a path without path element values (one
+ *  that wasn't read from a plot file) reads as element -1, value 0.
+ *  0x03001001 when there is no layer "KFPlotFileLayer", 0x09001D01 without an
+ *  active document, 0x08000E01 for an arc too large to convert. */
+RV_API uint32_t RvExCLConvertToBezierArt(void);
+
+/** Fits the job into a window of width x height units with a margin of 10
+ *  on each side. The job's bounds are the union of all zeros (so the origin
+ *  always lies inside) with the bounds of the paths of "KFPlotFileLayer"
+ *  (also inside compounds) that have attribute flag 2 and not 16. With w, h
+ *  the bounds' extents (exchanged for orientation 1), the scale is the
+ *  smaller of (height - 20)/h and (width - 20)/w, and the job is centred in
+ *  width - 1 by height - 1; scale and centring offsets are rounded to single
+ *  precision. orientation 2 keeps y upward; 0 turns it downward for a
+ *  screen; 1 turns the job a quarter turn counter-clockwise first, then y
+ *  downward. An empty job gives extents of 0 and a scale that isn't finite:
+ *  the host doesn't set a matrix for it. 0x03001001 without
+ *  "KFPlotFileLayer" (0x09001D01 without an active document). The art's own matrix plays no part in the preview: the
+ *  copies are taken as unrotated. */
+RV_API uint32_t RvExCLSetCutPreviewMatrix(uint16_t orientation, double width, double height);
+
+/** Makes the document documentIndex active and appends one pass per
+ *  Bezier or arc component of the paths of "PreviewDataLayer" (those of
+ *  compounds in their place), in order, stopping at the first path with
+ *  attribute flag 16. A pass holds, for each curve from a point to the next
+ *  (a closed path also from its last point to its first), the points of the
+ *  curve mapped by the matrix and flattened with maxLength 5.0 and tolerance
+ *  0.3 (its first point, then the ends of its chords): the end of one curve
+ *  and the start of the next stand twice. 0x09001D01 for a bad document,
+ *  0x03001001 without "PreviewDataLayer", 0x08000E01 for a curve too large;
+ *  the passes made before a failure stay. */
+RV_API uint32_t RvExCLMakeCutPreviewData(uint16_t documentIndex);
+
+/** *passCount := the number of passes, *pointCount := the number of points
+ *  of all passes. Always 0. */
+RV_API uint32_t RvExCLGetCutPreviewDataCount(int32_t* passCount, int32_t* pointCount);
+
+/** Copies every pass, in order, into passes[0 .. passCount - 1]. Always 0. */
+RV_API uint32_t RvExCLGetCutPreviewData(RVCUTPREVIEWPASS* passes);
+
+/** The pass index: its point count, clockwise and closed (0 or 1) and pass
+ *  type. An index below 0 or beyond the last pass gives four zeros. Always
+ *  0. */
+RV_API uint32_t RvExCLGetCutPreviewDataPerPass(int32_t index, int32_t* pointCount, uint8_t* clockwise,
+                                               uint8_t* closed, uint16_t* passType);
+
+/** Copies the points of all passes, one pass after the other, into
+ *  points[0 .. pointCount - 1]. Always 0. */
+RV_API uint32_t RvExCLGetCutPreviewPointData(RVPOINT* points);
+
+/** Drops every pass and point, then deletes the active document (its code:
+ *  0x09001D01 when none is active; the data are dropped all the same). */
+RV_API uint32_t RvExCLInitializeCutPreviewData(void);
+
+/* ---- Clearing of a CL job ---- */
+
+/** Clears the area of the CL job in document documentIndex (made active)
+ *  with hatching or contour lines. A new "Rivlen_HatchingWorkLayer" gets a
+ *  copy of each path of "CLTempFileLayer" (compounds as new compounds), its
+ *  components joined into one Bezier (arcs as Bezier points), turned so that
+ *  outer shapes run clockwise and holes counter-clockwise. A new RefMap table
+ *  becomes the hatching plot, hatching start and end and main table. With
+ *  m the Milling value of pass 1 of param's conditionKey (0 when not
+ *  enabled): pitch m - routerOverlap (0.2 when that isn't above 0), offset -m
+ *  with routerInside else routerOverlap, angle 4.71238899230957, even-odd
+ *  fill, lines only, cornerLines routerCornerLines; then RvCreateContour
+ *  (routerUseContour) or RvCreateHatching with their codes. The copies carry
+ *  no plot info: the generators then give their lines none (number 0, empty
+ *  text). 0x09001D01 for a bad document, 0x03001001 without
+ *  "CLTempFileLayer", 0x06001001 for a null param or a key that names no
+ *  media. */
+RV_API uint32_t RvExCLCreateHatching(uint16_t documentIndex, const RVPLOTPARAM* param);
 /* Both generators read the layer "Rivlen_HatchingWorkLayer" of the active
  * document, which the host fills with the shapes: closed paths (or
  * compounds of closed paths, an outline with its holes) whose first
@@ -1362,7 +1545,9 @@ typedef struct RVCONTOURINFO {
  *               echoes (half their extent / the step).
  *   0x08004701  a null document pointer or a null record.
  *   0x09001D01  *document names no document.
- *   0x06001001  the work layer's first path has no plot info.
+ *   (The results carry the plot info of the work layer's first path; a first
+ *   path without plot info, such as the copies that RvExCLCreateHatching
+ *   makes, gives them none: number 0 and empty text. Library choice.)
  *   0x08001901  the record's matrix can't be inverted (lines: after their
  *               order is done; frame and contour: before their output). */
 

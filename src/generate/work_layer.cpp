@@ -69,9 +69,11 @@ RunPlotInfo ReadRunPlotInfo(CRvArt* workLayer) {
   CRvArt* art = store.GetArtFirstChild(workLayer);
   if (art != nullptr && store.GetArtType(art) == kArtCompound) art = store.GetArtFirstChild(art);
   if (art == nullptr) return info;
-  const PlotInfo& plot = store.GetPathPlotInfo(art);
-  info.number = plot.plotValue;
-  info.text = plot.plotText;
+  // A path without plot info (a copy made by the router) reads as none.
+  const PlotInfo* plot = art->GetPlotInfo();
+  if (plot == nullptr) return info;
+  info.number = plot->plotValue;
+  info.text = plot->plotText;
   return info;
 }
 

@@ -62,7 +62,7 @@ FlatPath FlattenPath(CRvArt* path, const RVRIFMATRIX& extra);
 
 /// The plot info of the work layer's first art, or of the first child of a
 /// compound in first place; number 0 and empty text for an empty or missing
-/// layer. A path without plot info raises 0x06001001.
+/// layer, and for a path without plot info (as the router's copies are).
 RunPlotInfo ReadRunPlotInfo(CRvArt* workLayer);
 
 /// Finds the layer `name` in the active document, or creates it (in front)

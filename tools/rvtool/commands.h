@@ -46,12 +46,44 @@ struct PrefsOptions {
   std::string output;  // upgrade only
 };
 
+struct PreviewOptions {
+  std::string file;
+  std::string output;
+  double unit = kPlotterStep;
+  double windowWidth = 800.0;   // the preview's window, in its own units
+  double windowHeight = 600.0;
+  int pixelWidth = 1200;
+  bool travel = true;
+};
+
+struct MillOptions {
+  std::string file;
+  std::string output;
+  std::string conditions;
+  int machine = 3;              // WD3K
+  std::string media;            // empty: the condition file's first
+  double unit = kPlotterStep;
+  int dialect = 1;
+  std::string clear = "none";   // none, hatching, contour
+  double overlap = 0.5;
+  bool inside = false;
+  bool cornerLines = false;
+  bool leadIn = false;
+  int joints = 0;
+  double jointLength = 2.0;
+};
+
 /// `rvtool info`: imports the file and prints the document.
 int RunInfo(const InfoOptions& options, std::ostream& out);
 /// `rvtool render`: imports a drawing or a written job and draws it.
 int RunRender(const RenderOptions& options, std::ostream& out);
 
-/// The subcommands `info`, `plot` and `render`.
+/// `rvtool mill`: import, route and milling job of a CL file.
+int RunMill(const MillOptions& options, std::ostream& out);
+/// `rvtool preview`: the library's cut preview of a file, drawn pass by pass.
+int RunPreview(const PreviewOptions& options, std::ostream& out);
+
+/// The subcommands `info`, `plot`, `render` and `preview`.
 Subcommand AddInfoCommand(CLI::App& app);
 Subcommand AddPlotSubcommand(CLI::App& app);
 Subcommand AddRenderCommand(CLI::App& app);
@@ -65,6 +97,10 @@ int RunPrefsShow(const PrefsOptions& options, std::ostream& out);
 int RunPrefsUpgrade(const PrefsOptions& options, std::ostream& out);
 /// The subcommand `prefs` with `show` and `upgrade`.
 Subcommand AddPrefsCommand(CLI::App& app);
+};
+
+Subcommand AddPreviewCommand(CLI::App& app);
+Subcommand AddMillCommand(CLI::App& app);
 
 /// The report of `info` for the active document; `title` heads it.
 void DescribeActiveDocument(const std::string& title, std::ostream& out);

@@ -47,6 +47,8 @@ constexpr rvtool::SubcommandMaker kSubcommands[] = {
     rvtool::AddHatchCommand,
     rvtool::AddContourCommand,
     rvtool::AddPrefsCommand,
+    rvtool::AddPreviewCommand,
+    rvtool::AddMillCommand,
 };
 
 int main(int argc, char** argv) {

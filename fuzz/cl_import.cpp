@@ -1,0 +1,122 @@
+// Fuzz target: arbitrary bytes as a CL file through RvImCLToRIF (as the
+// numbered layer 1 of a job), then the router's clearing and the CL milling
+// export of that job, then the same bytes as the plot file of a cut preview.
+// The content of a file never fails the import (0, or 1 when nothing is
+// drawn); the route fails only for a drawing beyond the clipper's grid; the
+// preview of what was drawn never fails and its counts agree with its
+// passes; nothing may crash, hang or leak.
+#include <unistd.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "rvdataaccess.h"
+
+namespace {
+
+const std::string& InputPath() {
+  static const std::string path = [] {
+    char name[] = "/tmp/fuzz_cl_import_XXXXXX";
+    const int fd = mkstemp(name);
+    if (fd < 0) std::abort();
+    close(fd);
+    return std::string(name);
+  }();
+  return path;
+}
+
+void Require(bool condition) {
+  if (!condition) std::abort();
+}
+
+/// A milling condition of two passes with different Milling values, so
+/// that the router offsets every closed art twice.
+void LoadConditions() {
+  static bool loaded = false;
+  if (loaded) return;
+  CLCondition passes[2] = {};
+  for (CLCondition& c : passes) {
+    std::strcpy(c.Tool, "3");
+    c.Thickness = 10.0;
+    c.hasCuttingDepth = 1;
+    c.hasMilling = 1;
+  }
+  passes[0].CuttingDepth = 4.0, passes[0].Milling = 2.0;
+  passes[1].CuttingDepth = 8.0, passes[1].Milling = 4.0;
+  Require(RvCLSetCutCondition("FUZZ", passes, 2) == 0);
+  loaded = true;
+}
+
+/// Clearing and milling of the CL job in document `index`.
+void RunRoute(int16_t index, const std::string& output) {
+  RVPLOTPARAM param{};
+  param.dialect = 1;
+  param.deviceUnit = 1.0;
+  param.scaleX = param.scaleY = 100.0;
+  param.curveMaxLength = 31000.0;
+  param.curveTolerance = 0.03;
+  param.conditionSource = 3;
+  std::strcpy(param.conditionKey, "FUZZ");
+  param.routerOverlap = 0.5;
+  param.outputMicroJoints = 1;
+  param.routerJointLength = 2.0;
+  param.routerJointCount = 3;
+  param.routerLeadIn = 1;
+  param.writeToolDefaults = -1;
+  // Beyond the clipper's grid (a kilometre) the route refuses the drawing;
+  // the hatching also refuses more lines than it can hold.
+  const uint32_t hatch = RvExCLCreateHatching(uint16_t(index), &param);
+  Require(hatch == 0 || hatch == 1 || hatch == 0x08004001u || hatch == 0x08004401u);
+  const uint32_t mill = RvExCLMillingToRVL(output.c_str(), index, &param);
+  Require(mill == 0 || mill == 0x08004001u);
+}
+
+/// The preview of the plot layer of the active document `index`.
+void RunPreview(int16_t index) {
+  Require(RvExCLConvertToBezierArt() == 0);
+  Require(RvExCLSetCutPreviewMatrix(2, 400.0, 300.0) == 0);
+  Require(RvExCLMakeCutPreviewData(uint16_t(index)) == 0);
+  int32_t passCount = -1, pointCount = -1;
+  Require(RvExCLGetCutPreviewDataCount(&passCount, &pointCount) == 0);
+  std::vector<RVCUTPREVIEWPASS> passes(static_cast<std::size_t>(passCount));
+  Require(RvExCLGetCutPreviewData(passes.data()) == 0);
+  long total = 0;
+  for (const RVCUTPREVIEWPASS& pass : passes) total += pass.pointCount;
+  Require(total == pointCount);
+  std::vector<RVPOINT> points(static_cast<std::size_t>(pointCount));
+  Require(RvExCLGetCutPreviewPointData(points.data()) == 0);
+  Require(RvExCLInitializeCutPreviewData() == 0);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  const std::string& path = InputPath();
+  std::FILE* f = std::fopen(path.c_str(), "wb");
+  if (f == nullptr) std::abort();
+  if (size != 0 && std::fwrite(data, 1, size, f) != size) std::abort();
+  std::fclose(f);
+
+  int16_t index = -1;
+  const double scale = 0.0;
+  const uint32_t code = RvImCLToRIF(path.c_str(), 0, &index, &scale, "CLPlotFileLayer1");
+  Require(code == 0 || code == 1);
+  if (code == 0) {
+    LoadConditions();
+    RunRoute(index, path + ".rvl");
+    // The same bytes as a plot file, into the same document: the preview's
+    // source layer.
+    Require(RvImPLTToRIF(path.c_str(), 1, &index, &scale) == 0);
+    Require(RvGiSetActiveDocument(index) == 0);
+    RunPreview(index);
+  }
+  // The host destroys the tables first, then the documents; every CL import
+  // with mode 0 empties the store, so document indexes never run out.
+  Require(RvGiDeleteRefMapTable() == 0);
+  return 0;
+}

@@ -1,0 +1,1 @@
+IN;PD;PE<=ÓÓÊÊGÂÓ7s;PA0,0;.@1:LBtext
