@@ -115,12 +115,6 @@ namespace rv {
   RV_ERROR_CODES_ROUTER(X)                                                              \
   RV_ERROR_CODES_CL(X) RV_ERROR_CODES_CMX(X) RV_ERROR_CODES_ITW(X) RV_ERROR_CODES_PREFS(X)
 
-/// The result 1 of RvCreateHatching: the offset of the shapes or of the
-/// frame left nothing, so that step made nothing. Not a failure of the
-/// library, and so not a row of the table (where 1 would mean the same as
-/// the result 1 of an import that draws nothing).
-inline constexpr uint32_t kGenerateNothingMade = 1u;
-
 #define RV_DEFINE_ERROR_CODE(name, value, words) inline constexpr uint32_t name = value;
 RV_ALL_ERROR_CODES(RV_DEFINE_ERROR_CODE)
 #undef RV_DEFINE_ERROR_CODE

@@ -83,7 +83,7 @@ int RunMill(const MillOptions& options, std::ostream& out);
 /// `rvtool preview`: the library's cut preview of a file, drawn pass by pass.
 int RunPreview(const PreviewOptions& options, std::ostream& out);
 
-/// The subcommands `info`, `plot`, `render` and `preview`.
+/// The subcommands `info`, `plot` and `render`.
 Subcommand AddInfoCommand(CLI::App& app);
 Subcommand AddPlotSubcommand(CLI::App& app);
 Subcommand AddRenderCommand(CLI::App& app);
@@ -97,8 +97,7 @@ int RunPrefsShow(const PrefsOptions& options, std::ostream& out);
 int RunPrefsUpgrade(const PrefsOptions& options, std::ostream& out);
 /// The subcommand `prefs` with `show` and `upgrade`.
 Subcommand AddPrefsCommand(CLI::App& app);
-};
-
+/// The subcommands `preview` and `mill` (preview.cpp, mill.cpp).
 Subcommand AddPreviewCommand(CLI::App& app);
 Subcommand AddMillCommand(CLI::App& app);
 
