@@ -448,6 +448,21 @@ RVPOINT CRvCLRouter::LeadPoint(CRvArt* path, CRvArt* bezierArt, int32_t start, b
   return p;
 }
 
+/// The fields of a clearing run that contour and hatching share: lines
+/// along the clearing angle, even-odd, lines only, no shifts and no frame.
+template <class Info>
+void SetClearingFields(Info& info, double pitch, double offset) {
+  info.pitch = pitch;
+  info.offset = offset;
+  info.startShift = info.endShift = 0.0;
+  info.angle = kClearingAngle;
+  info.matrix = kIdentity;
+  info.headFromRight = 0;
+  info.evenOddFill = 1;
+  info.generate = 1;
+  info.frameOffset = 0.0;
+}
+
 // ---------------------------------------------------------------------------
 // Clearing
 // ---------------------------------------------------------------------------
@@ -481,15 +496,7 @@ void CRvCLRouter::CreateHatching(int16_t documentIndex, const RVPLOTPARAM& param
   RVCONTOURINFO info{};
   RvInitializeContourInfo(&info);
   const double pitch = mill - param.routerOverlap;
-  info.pitch = pitch > 0.0 ? pitch : kFallbackPitch;
-  info.offset = param.routerInside != 0 ? -mill : param.routerOverlap;
-  info.startShift = info.endShift = 0.0;
-  info.angle = kClearingAngle;
-  info.matrix = kIdentity;
-  info.headFromRight = 0;
-  info.evenOddFill = 1;
-  info.generate = 1;
-  info.frameOffset = 0.0;
+  SetClearingFields(info, pitch > 0.0 ? pitch : kFallbackPitch, param.routerInside != 0 ? -mill : param.routerOverlap);
   info.cornerLines = param.routerCornerLines;
   int16_t document = documentIndex;
   if (param.routerUseContour != 0) {
@@ -498,15 +505,7 @@ void CRvCLRouter::CreateHatching(int16_t documentIndex, const RVPLOTPARAM& param
   }
   RVHATCHINGINFO hatching{};
   RvInitializeHatchingInfo(&hatching);
-  hatching.pitch = info.pitch;
-  hatching.offset = info.offset;
-  hatching.startShift = hatching.endShift = 0.0;
-  hatching.angle = kClearingAngle;
-  hatching.matrix = kIdentity;
-  hatching.headFromRight = 0;
-  hatching.evenOddFill = 1;
-  hatching.generate = 1;
-  hatching.frameOffset = 0.0;
+  SetClearingFields(hatching, info.pitch, info.offset);
   Check(RvCreateHatching(&document, &hatching));
 }
 

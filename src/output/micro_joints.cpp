@@ -135,19 +135,7 @@ uint32_t CRvRVLFormat::JointWriter(CRvArt* path) {
     for (int32_t q = 1; q <= count; ++q) {
       if (source != 0) WriteJointBlock(key, numbers[std::size_t(q)]);
       int needMove = 1;
-      for (CRvArt* component : static_cast<CRvContainerArt*>(path)->m_children.items()) {
-        switch (component->GetType()) {
-          case kArtBezier:
-            WritePath(*static_cast<CRvBezier*>(component), matrix, closed, true, needMove);
-            break;
-          case kArtCompound:
-          case kArtArc:
-          case kArtSpline:
-            break;
-          default:
-            Raise(kErrPathComponent);
-        }
-      }
+      ForEachBezierComponent(path, [&](const CRvBezier& bezier) { WritePath(bezier, matrix, closed, true, needMove); });
       m_record.clear();
       AppendRow(m_record, kRowPenUp, {});
       WriteBytes(m_record);

@@ -158,33 +158,21 @@ void CRvRVLFormat::MillPaths(CRvArt* current, int32_t pass, bool closed, Milling
     // An open path is walked forward whatever the condition says; its
     // joints go the same way.
     const bool walkForward = !closed || state.forward;
-    for (CRvArt* component : static_cast<CRvContainerArt*>(path)->m_children.items()) {
-      switch (component->GetType()) {
-        case kArtBezier: {
-          const auto& bezier = *static_cast<CRvBezier*>(component);
-          if (pass == 1 && bezier.HasTag(kMicroJointTag)) {
-            state.joints = ParseJointTag(bezier.GetTag(kMicroJointTag));
-            state.hasJoints = true;
-          }
-          if (!state.hasJoints) {
-            WritePath(bezier, matrix, closed, state.forward, state.needMove);
-            break;
-          }
-          if (state.lastDepth < m_param.jointDepthLimit && !state.jointsBuilt) {
-            state.jointsBuilt = true;
-            BuildJoints(state.key, bezier, matrix, state.joints, pass, state.passes, walkForward);
-          }
-          WriteJointPath(bezier, matrix, closed, state.forward, state.needMove, state.joints, state.lastDepth);
-          break;
-        }
-        case kArtCompound:
-        case kArtArc:
-        case kArtSpline:
-          break;
-        default:
-          Raise(kErrPathComponent);
+    ForEachBezierComponent(path, [&](const CRvBezier& bezier) {
+      if (pass == 1 && bezier.HasTag(kMicroJointTag)) {
+        state.joints = ParseJointTag(bezier.GetTag(kMicroJointTag));
+        state.hasJoints = true;
       }
-    }
+      if (!state.hasJoints) {
+        WritePath(bezier, matrix, closed, state.forward, state.needMove);
+        return;
+      }
+      if (state.lastDepth < m_param.jointDepthLimit && !state.jointsBuilt) {
+        state.jointsBuilt = true;
+        BuildJoints(state.key, bezier, matrix, state.joints, pass, state.passes, walkForward);
+      }
+      WriteJointPath(bezier, matrix, closed, state.forward, state.needMove, state.joints, state.lastDepth);
+    });
     if (state.needMove == 0) state.needMove = 1;
   }
 }

@@ -355,19 +355,7 @@ void CRvRVLFormat::CuttingWriter(CRvArt* art) {
       for (CRvArt* part : parts) {
         if (!closed) needMove = 1;
         if (excluded || !part->IsContainer()) continue;
-        for (CRvArt* component : static_cast<CRvContainerArt*>(part)->m_children.items()) {
-          switch (component->GetType()) {
-            case kArtBezier:
-              WritePath(*static_cast<CRvBezier*>(component), matrix, closed, true, needMove);
-              break;
-            case kArtCompound:
-            case kArtArc:
-            case kArtSpline:
-              break;
-            default:
-              Raise(kErrPathComponent);
-          }
-        }
+        ForEachBezierComponent(part, [&](const CRvBezier& bezier) { WritePath(bezier, matrix, closed, true, needMove); });
       }
     }
     if (!excluded) {

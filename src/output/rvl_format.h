@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "formats/file_frame.h"
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/affine.h"
 #include "model/art.h"
@@ -89,6 +90,27 @@ uint32_t ExportMillingJob(const char* path, int16_t documentIndex, const RVPLOTP
 /// compound stands in a collected list once for each path below it, under
 /// its own handle: it isn't a path, so it takes no part.
 std::vector<RVINSIDEPATH> ClosedPathsOf(const std::vector<RVINSIDEPATH>& collected);
+
+/// Calls `write(bezier)` for each Bezier component of the path `path` in
+/// order. The writers take paths whose curves are joined into Beziers: arc,
+/// spline and compound children are passed over, any other child is
+/// kErrPathComponent.
+template <class Write>
+void ForEachBezierComponent(CRvArt* path, Write&& write) {
+  for (CRvArt* component : static_cast<CRvContainerArt*>(path)->m_children.items()) {
+    switch (component->GetType()) {
+      case kArtBezier:
+        write(*static_cast<CRvBezier*>(component));
+        break;
+      case kArtCompound:
+      case kArtArc:
+      case kArtSpline:
+        break;
+      default:
+        Raise(kErrPathComponent);
+    }
+  }
+}
 
 class CRvRVLFormat : public CRvFormatStrategy {
  public:
