@@ -166,7 +166,7 @@ void CRvCMXFormat::ReadLayerIndex(ByteCursor& cursor, uint32_t offset) {
 void CRvCMXFormat::ReadPages(ByteCursor& cursor) {
   const auto page = m_layers.find(kImportedPage);
   if (page == m_layers.end()) Raise(kErrCmxMissing);
-  CRvCMXCommandReader reader(cursor, m_header);
+  CRvCMXCommandReader reader(CRvDataAccess::Instance(), cursor, m_header);
   for (const CmxLayerEntry& layer : page->second) reader.ReadLayer(layer.offset);
 }
 

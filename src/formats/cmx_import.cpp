@@ -67,8 +67,9 @@ void CheckCmxNodes(const std::vector<uint8_t>& types) {
   }
 }
 
-CRvCMXCommandReader::CRvCMXCommandReader(ByteCursor& cursor, const CmxHeader& header)
-    : m_cursor(cursor),
+CRvCMXCommandReader::CRvCMXCommandReader(CRvDataAccess& store, ByteCursor& cursor, const CmxHeader& header)
+    : m_store(store),
+      m_cursor(cursor),
       m_coordinates{header.bboxLeft, header.bboxBottom, header.factor},
       m_visited(cursor.Size() + 1, false) {}
 
@@ -169,9 +170,8 @@ void CRvCMXCommandReader::ReadTags(Handler&& handle) {
 }
 
 CRvArt* CRvCMXCommandReader::CreateFirst(int16_t type, CRvArt* parent) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
-  if (parent == nullptr) return store.CreateArt(type, kPositionFirstInLayer, nullptr);
-  return store.CreateArt(type, kPositionFirstChild, parent);
+  if (parent == nullptr) return m_store.CreateArt(type, kPositionFirstInLayer, nullptr);
+  return m_store.CreateArt(type, kPositionFirstChild, parent);
 }
 
 void CRvCMXCommandReader::ReadBoundingBox(CRvArt* art) {
@@ -185,15 +185,14 @@ void CRvCMXCommandReader::ReadBoundingBox(CRvArt* art) {
   rect.left = m_coordinates.X(left);
   rect.right = m_coordinates.X(right);
   rect.bottom = m_coordinates.Y(bottom);
-  CRvDataAccess::Instance().SetBoundingBox(art, rect);
+  m_store.SetBoundingBox(art, rect);
 }
 
 void CRvCMXCommandReader::PassBoundsToChildren(CRvArt* art) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
-  CRvArt* child = store.GetArtFirstChild(art);
+  CRvArt* child = m_store.GetArtFirstChild(art);
   if (child == nullptr) return;
-  const RVRECT bounds = store.GetArtBounds(art);
-  for (; child != nullptr; child = store.GetArtSibling(child)) store.SetBoundingBox(child, bounds);
+  const RVRECT bounds = m_store.GetArtBounds(art);
+  for (; child != nullptr; child = m_store.GetArtSibling(child)) m_store.SetBoundingBox(child, bounds);
 }
 
 // ---------------------------------------------------------------------------
@@ -203,15 +202,14 @@ void CRvCMXCommandReader::PassBoundsToChildren(CRvArt* art) {
 // The document's layers by name are gathered once per import: a layer made
 // here has a name that no layer had, so the map stays true.
 CRvArt* CRvCMXCommandReader::LayerNamed(const std::string& name) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
   if (!m_layersGathered) {
-    for (const auto& layer : store.ActiveDocument().Layers()) m_layersByName[layer->GetName()] = layer.get();
+    for (const auto& layer : m_store.ActiveDocument().Layers()) m_layersByName[layer->GetName()] = layer.get();
     m_layersGathered = true;
   }
   CRvArt*& layer = m_layersByName[name];
   if (layer == nullptr) {
-    layer = store.CreateLayer(0, nullptr);
-    store.SetLayerName(layer, name);
+    layer = m_store.CreateLayer(0, nullptr);
+    m_store.SetLayerName(layer, name);
   }
   return layer;
 }
@@ -219,7 +217,6 @@ CRvArt* CRvCMXCommandReader::LayerNamed(const std::string& name) {
 // The layer of a name is the last of the document's layers with exactly that
 // name; a name that no layer has makes a new layer at the front.
 CRvArt* CRvCMXCommandReader::ReadBeginLayer() {
-  CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* layer = nullptr;
   ReadTags([&](uint8_t tag, long long&) {
     if (tag == kTagLayerSpec) {
@@ -238,7 +235,7 @@ CRvArt* CRvCMXCommandReader::ReadBeginLayer() {
         m.tx = m_cursor.ReadF64LE();
         m.ty = m_cursor.ReadF64LE();
       }
-      if (layer != nullptr) store.SetArtMatrix(layer, m);
+      if (layer != nullptr) m_store.SetArtMatrix(layer, m);
     } else if (tag == kTagLayerLens) {
       // A lens: its values have no effect on the drawing.
       if (m_cursor.ReadU8() != 0) m_cursor.Skip(kLensDoubles * sizeof(double));
@@ -294,7 +291,6 @@ void CRvCMXCommandReader::ReadPolyCurve(CRvArt* parent, bool longForm) {
 CRvArt* CRvCMXCommandReader::BuildPolyCurve(CRvArt* parent, const std::vector<RVPOINT>& points,
                                              const std::vector<uint8_t>& types) {
   CheckCmxNodes(types);
-  CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* art = nullptr;
   CRvArt* container = parent;
   const bool compound = CountCmxSubpaths(types) > 1;
@@ -307,26 +303,26 @@ CRvArt* CRvCMXCommandReader::BuildPolyCurve(CRvArt* parent, const std::vector<RV
   auto finishRun = [&](std::size_t i) {
     if (!EndsRun(types, i)) return;
     b.out = b.anchor;
-    store.AddBezierPoint(bezier, b);
+    m_store.AddBezierPoint(bezier, b);
   };
   for (std::size_t i = 0; i < types.size(); ++i) {
     const uint8_t kind = types[i] & kNodeKindMask;
     if (kind == kNodeLine) {
       b.out = b.anchor;
-      store.AddBezierPoint(bezier, b);
+      m_store.AddBezierPoint(bezier, b);
       b.anchor = b.in = points[i];
       finishRun(i);
     } else if (kind == kNodeCurve) {
       b.out = points[i - 2];
-      store.AddBezierPoint(bezier, b);
+      m_store.AddBezierPoint(bezier, b);
       b.in = points[i - 1];
       b.anchor = points[i];
       finishRun(i);
     } else if (kind == kNodeMove && !EndsRun(types, i)) {
       CRvArt* path = CreateFirst(kArtPath, container);
       if (!compound && art == nullptr) art = path;
-      bezier = store.CreateArt(kArtBezier, kPositionFirstChild, path);
-      store.SetPathClosed(path, (types[i] & kNodeClosed) != 0 ? 1 : 0);
+      bezier = m_store.CreateArt(kArtBezier, kPositionFirstChild, path);
+      m_store.SetPathClosed(path, (types[i] & kNodeClosed) != 0 ? 1 : 0);
       b = RVBEZIERPOINT{};
       b.anchor = b.in = points[i];
     }
@@ -335,9 +331,8 @@ CRvArt* CRvCMXCommandReader::BuildPolyCurve(CRvArt* parent, const std::vector<RV
 }
 
 void CRvCMXCommandReader::ReadRectangle(CRvArt* parent) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = CreateFirst(kArtPath, parent);
-  CRvArt* bezier = store.CreateArt(kArtBezier, kPositionFirstChild, path);
+  CRvArt* bezier = m_store.CreateArt(kArtBezier, kPositionFirstChild, path);
   ReadTags([&](uint8_t tag, long long&) {
     if (tag != kTagRectangleSpec) return;
     const int64_t cx = int64_t(m_cursor.ReadI32LE()) - m_coordinates.left;
@@ -349,12 +344,12 @@ void CRvCMXCommandReader::ReadRectangle(CRvArt* parent) {
     for (const auto& corner : corners) {
       RVBEZIERPOINT p{};
       p.anchor = p.in = p.out = RVPOINT{double(corner[0]) * f, double(corner[1]) * f};
-      store.AddBezierPoint(bezier, p);
+      m_store.AddBezierPoint(bezier, p);
     }
-    store.SetPathClosed(path, 1);
+    m_store.SetPathClosed(path, 1);
     m_cursor.Skip(8);  // corner radius and angle: a rectangle comes in upright and sharp
     ReadBoundingBox(path);
-    store.SetBoundingBox(bezier, store.GetArtBounds(path));
+    m_store.SetBoundingBox(bezier, m_store.GetArtBounds(path));
   });
 }
 

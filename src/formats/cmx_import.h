@@ -21,6 +21,7 @@
 namespace rv {
 
 class CRvArt;
+class CRvDataAccess;
 struct CmxHeader;
 
 /// Command codes of the stream.
@@ -66,7 +67,8 @@ struct CmxCommandHead {
 /// that leads back ends the walk (kErrCmxLoop) instead of running forever.
 class CRvCMXCommandReader {
  public:
-  CRvCMXCommandReader(ByteCursor& cursor, const CmxHeader& header);
+  /// Makes its arts in `store`, the store of the active document.
+  CRvCMXCommandReader(CRvDataAccess& store, ByteCursor& cursor, const CmxHeader& header);
 
   /// Walks the commands from `offset` on with no parent: arts go first into
   /// the current layer until a begin-layer command names a layer.
@@ -101,6 +103,7 @@ class CRvCMXCommandReader {
   /// layer with no parent).
   CRvArt* CreateFirst(int16_t type, CRvArt* parent);
 
+  CRvDataAccess& m_store;
   ByteCursor& m_cursor;
   CmxCoordinates m_coordinates;
   std::vector<bool> m_visited;  ///< one mark per file offset where a command began
