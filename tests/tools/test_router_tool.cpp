@@ -1,4 +1,4 @@
-// rvtool's router jobs: its own outline offset, the reading of a milling job
+// rvtool's router jobs: the outline offsets it has the library make, the reading of a milling job
 // by depth, and `plot --mill`, `plot --tiles` and `render` of a milling job
 // as a user meets them.
 #include <gtest/gtest.h>
@@ -16,30 +16,58 @@ using tooltest::Contains;
 using tooltest::RunTool;
 using tooltest::Sample;
 
-std::vector<RVPOINT> Square(bool clockwise) {
-  std::vector<RVPOINT> s{{0, 0}, {10, 0}, {10, 10}, {0, 10}};
+// A closed square (0,0)-(10,10) in a new document, running clockwise or not.
+void* Square(bool clockwise) {
+  void* layer = nullptr;
+  void* path = nullptr;
+  void* bezier = nullptr;
+  EXPECT_EQ(RvGiCreateLayer(0, nullptr, &layer), 0u);
+  EXPECT_EQ(RvGiCreateArt(4, 4, layer, &path), 0u);
+  EXPECT_EQ(RvGiCreateArt(2, 4, path, &bezier), 0u);
+  std::vector<RVPOINT> s{{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}};
   if (clockwise) std::swap(s[1], s[3]);
-  return s;
+  for (const RVPOINT& p : s) {
+    RVBEZIERPOINT q{};
+    q.anchor = q.in = q.out = p;
+    EXPECT_EQ(RvGiAddBezierPoint(bezier, &q), 0u);
+  }
+  EXPECT_EQ(RvGiSetPathClosed(path, 1), 0u);
+  EXPECT_EQ(RvGiSetPathAttrFlag(path, 7), 0u);
+  return path;
 }
 
-TEST(ToolRouter, OutlinesMoveOutwardWhicheverWayTheyRun) {
-  struct Row { bool clockwise; double offset; std::vector<RVPOINT> expected; };
+TEST(ToolRouter, TheLibraryOffsetsOutlinesOutwardWhicheverWayTheyRun) {
+  struct Row { bool clockwise; double offset; RVRECT bounds; };  // top, left, right, bottom
   const Row rows[] = {
-      {false, 1, {{-1, -1}, {11, -1}, {11, 11}, {-1, 11}}},   // out by 1, corners mitred
-      {true, 1, {{-1, -1}, {-1, 11}, {11, 11}, {11, -1}}},    // the same, in the order given
-      {false, -2, {{2, 2}, {8, 2}, {8, 8}, {2, 8}}},          // in
+      {false, 1, {11, -1, 11, -1}},   // out by 1 (square corners stay within the box)
+      {true, 1, {11, -1, 11, -1}},    // the same for a square that runs the other way
+      {false, -2, {8, 2, 8, 2}},      // in by 2
   };
   for (const Row& row : rows) {
-    const std::vector<RVPOINT> out = rvtool::OffsetOutline(Square(row.clockwise), row.offset);
-    ASSERT_EQ(out.size(), row.expected.size());
-    for (std::size_t i = 0; i < out.size(); ++i) {
-      EXPECT_NEAR(out[i].x, row.expected[i].x, 1e-12) << i;
-      EXPECT_NEAR(out[i].y, row.expected[i].y, 1e-12) << i;
-    }
+    int16_t document = -1;
+    ASSERT_EQ(RvGiCreateDocument(0, &document), 0u);
+    void* square = Square(row.clockwise);
+    rvtool::OffsetMaker maker(document);
+    void* same = nullptr;
+    EXPECT_EQ(rvtool::OffsetMaker::Make(&maker, square, 0.0, &same), 0u);
+    EXPECT_EQ(same, square);  // offset 0 mills the art itself
+    void* moved = nullptr;
+    ASSERT_EQ(rvtool::OffsetMaker::Make(&maker, square, row.offset, &moved), 0u);
+    ASSERT_NE(moved, nullptr);
+    RVRECT r{};
+    ASSERT_EQ(RvGiGetArtBounds(moved, &r), 0u);
+    EXPECT_NEAR(r.top, row.bounds.top, 1e-3);
+    EXPECT_NEAR(r.left, row.bounds.left, 1e-3);
+    EXPECT_NEAR(r.right, row.bounds.right, 1e-3);
+    EXPECT_NEAR(r.bottom, row.bounds.bottom, 1e-3);
+    void* work = nullptr;
+    RvGiGetLayerFromName(&work, "Rivlen_HatchingWorkLayer");
+    void* left = nullptr;
+    RvGiGetArtFirstChild(work, &left);
+    EXPECT_EQ(left, nullptr);  // the work copy is gone again
+    RvGiDeleteRefMapTable();
+    RvGiDeleteActiveDocument();
   }
-  // A needle's mitre reaches at most twice the offset out.
-  const std::vector<RVPOINT> needle = rvtool::OffsetOutline({{0, 0}, {100, 1}, {0, 2}}, 1);
-  EXPECT_LE(needle[1].x, 102.0 + 1e-9);
 }
 
 TEST(ToolRouter, AMillingJobReadsAsCutsByDepth) {

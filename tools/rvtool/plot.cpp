@@ -102,8 +102,9 @@ int RunPlot(const PlotOptions& o, std::ostream& out) {
     tileParam.tileCount = static_cast<int32_t>(tiles.size());
     code = RvExRIFTileToRVL(o.output.c_str(), document.index(), &param, &tileParam, progress.context());
   } else if (o.mill) {
-    code = RvExRIFMillingToRVL(o.output.c_str(), document.index(), &param, progress.context(), nullptr,
-                               MakeOffsetArt);
+    OffsetMaker offsets(document.index());
+    code = RvExRIFMillingToRVL(o.output.c_str(), document.index(), &param, progress.context(), &offsets,
+                               OffsetMaker::Make);
   } else {
     code = RvExRIFToRVL(o.output.c_str(), document.index(), &param, progress.context());
   }

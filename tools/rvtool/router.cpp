@@ -14,24 +14,6 @@ namespace {
 constexpr uint8_t kOutputInfo = 2;     // RefMap info bit: the entry is output
 constexpr int16_t kUnlinked = 9;       // art position that links the art nowhere
 constexpr int16_t kLastChild = 5;      // art position: last child of the reference
-constexpr double kMaxMitre = 2.0;      // a mitre reaches at most this many offsets out
-
-double SignedArea(const std::vector<RVPOINT>& p) {
-  double sum = 0;
-  for (std::size_t i = 0; i < p.size(); ++i) {
-    const RVPOINT& a = p[i];
-    const RVPOINT& b = p[(i + 1) % p.size()];
-    sum += a.x * b.y - b.x * a.y;
-  }
-  return sum / 2;
-}
-
-// The outward normal of the edge a -> b of a counter-clockwise outline.
-RVPOINT Normal(const RVPOINT& a, const RVPOINT& b) {
-  const double dx = b.x - a.x, dy = b.y - a.y;
-  const double length = std::hypot(dx, dy);
-  return length == 0 ? RVPOINT{0, 0} : RVPOINT{dy / length, -dx / length};
-}
 
 }  // namespace
 
@@ -72,57 +54,78 @@ std::vector<RVTILE> FileTiles(const std::vector<FiledKey>& groups, int16_t map, 
   return tiles;
 }
 
-std::vector<RVPOINT> OffsetOutline(const std::vector<RVPOINT>& points, double offset) {
-  std::vector<RVPOINT> p = points;
-  if (p.size() < 3) return p;
-  // Work counter-clockwise, so that the normals point outward.
-  const bool clockwise = SignedArea(p) < 0;
-  if (clockwise) std::reverse(p.begin(), p.end());
-  std::vector<RVPOINT> out(p.size());
-  for (std::size_t i = 0; i < p.size(); ++i) {
-    const RVPOINT& prev = p[(i + p.size() - 1) % p.size()];
-    const RVPOINT& next = p[(i + 1) % p.size()];
-    const RVPOINT n1 = Normal(prev, p[i]), n2 = Normal(p[i], next);
-    const double cosine = n1.x * n2.x + n1.y * n2.y;
-    // The mitre: along the sum of the normals, 1 / cos(half angle) out.
-    double reach = 1.0 + cosine > 1e-9 ? 1.0 / (1.0 + cosine) : 0.0;
-    const RVPOINT sum{n1.x + n2.x, n1.y + n2.y};
-    const double sumLength = std::hypot(sum.x, sum.y);
-    if (sumLength * reach > kMaxMitre) reach = sumLength > 0 ? kMaxMitre / sumLength : 0.0;
-    out[i] = RVPOINT{p[i].x + offset * sum.x * reach, p[i].y + offset * sum.y * reach};
-  }
-  if (clockwise) std::reverse(out.begin(), out.end());
-  return out;
+namespace {
+
+// The layers through which the hatching generator's frame step makes the
+// offsets: a work layer that holds one copy of the art at a time, and the
+// frame layer that receives each offset as its first child.
+constexpr const char* kWorkLayer = "Rivlen_HatchingWorkLayer";
+constexpr const char* kFrameLayer = "Rivlen_HatchingFrameLayer";
+constexpr int16_t kLayerAtEnd = 1;
+constexpr int32_t kFrameOnly = 2;      // RVHATCHINGINFO.generate: the frame alone
+constexpr uint8_t kAttrCounted = 2;    // the generators take paths with this bit
+constexpr uint8_t kAttrExcluded = 16;  // and without this one
+
+void* LayerNamed(const char* name) {
+  void* layer = nullptr;
+  RvGiGetLayerFromName(&layer, name);
+  return layer;
 }
 
-uint32_t MakeOffsetArt(void*, void* art, double offset, void** result) {
+// A copy of the path `art` with its components as the last child of `layer`.
+uint32_t CopyPathInto(void* art, void* layer, void** copy) {
+  uint32_t code = RvGiCopyPath(art, kLastChild, layer, copy);
+  void* component = nullptr;
+  if (code == 0) code = RvGiGetArtFirstChild(art, &component);
+  while (code == 0 && component != nullptr) {
+    void* part = nullptr;
+    code = RvGiCopyPath(component, kLastChild, *copy, &part);
+    if (code == 0) code = RvGiGetArtSibling(component, &component);
+  }
+  uint8_t flags = 0;
+  if (code == 0) code = RvGiGetPathAttrFlag(*copy, &flags);
+  if (code == 0) code = RvGiSetPathAttrFlag(*copy, uint8_t((flags | kAttrCounted) & ~kAttrExcluded));
+  return code;
+}
+
+}  // namespace
+
+OffsetMaker::OffsetMaker(int16_t document) : m_document(document) {
+  for (const char* name : {kWorkLayer, kFrameLayer}) {
+    if (LayerNamed(name) != nullptr) continue;
+    void* layer = nullptr;
+    Check(RvGiCreateLayer(kLayerAtEnd, nullptr, &layer), "making the offset layers", "");
+    Check(RvGiSetLayerName(layer, name), "making the offset layers", "");
+  }
+  Check(RvGiCreateRefMapTable(&m_table), "making the offset layers", "");
+}
+
+uint32_t OffsetMaker::Make(void* user, void* art, double offset, void** result) {
   if (offset == 0.0) {
     *result = art;
     return 0;
   }
-  Stroke outline;
-  try {
-    outline = FlattenPath(art);
-  } catch (const Failure&) {
-    return 0x06001001u;  // the art can't be read as a path
-  }
-  if (outline.points.size() > 1 && outline.points.front().x == outline.points.back().x &&
-      outline.points.front().y == outline.points.back().y) {
-    outline.points.pop_back();
-  }
-  const std::vector<RVPOINT> moved = OffsetOutline(outline.points, offset);
-  void* path = nullptr;
-  void* bezier = nullptr;
-  uint32_t code = RvGiCreateArt(kTypePath, kUnlinked, nullptr, &path);
-  if (code == 0) code = RvGiCreateArt(kTypeBezier, kLastChild, path, &bezier);
-  for (std::size_t i = 0; code == 0 && i < moved.size(); ++i) {
-    RVBEZIERPOINT q{};
-    q.anchor = q.in = q.out = moved[i];
-    code = RvGiAddBezierPoint(bezier, &q);
-  }
-  if (code == 0) code = RvGiSetPathClosed(path, 1);
-  if (code == 0) *result = path;
-  return code;
+  auto& maker = *static_cast<OffsetMaker*>(user);
+  int16_t type = -1;
+  uint32_t code = RvGiGetArtType(art, &type);
+  if (code != 0) return code;
+  if (type != kTypePath) return type == kTypeCompound ? 0x05000E01u : 0x06001001u;
+  void* copy = nullptr;
+  code = CopyPathInto(art, LayerNamed(kWorkLayer), &copy);
+  // The frame step files its result in the table of hatching plots: a table
+  // of the tool's own, so that the job's tables stay as they are.
+  const int16_t hatchingTable = RvGiGetRefMapHatchingPlotIndex();
+  RvGiSetRefMapHatchingPlotIndex(maker.m_table);
+  RVHATCHINGINFO info{};
+  RvInitializeHatchingInfo(&info);
+  info.generate = kFrameOnly;
+  info.frameOffset = offset;
+  int16_t document = maker.m_document;
+  if (code == 0) code = RvCreateHatching(&document, &info);
+  RvGiSetRefMapHatchingPlotIndex(hatchingTable);
+  if (copy != nullptr) RvGiDeleteArt(&copy);  // unlinked: the work layer is empty again
+  if (code == 0) code = RvGiGetArtFirstChild(LayerNamed(kFrameLayer), result);
+  return code == 0 && *result == nullptr ? 0x06001001u : code;
 }
 
 }  // namespace rvtool

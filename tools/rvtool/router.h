@@ -4,8 +4,8 @@
 // Tiles are filed in the main table under "Tile1", "Tile2", ... (bottom
 // strip first) and in a tile table whose order the library registers; the
 // tiled export writes them one after the other. The milling export asks the
-// host for each pass's offset path: rvtool makes it itself, from the
-// flattened outline, as unlinked arts that live as long as the document.
+// host for each pass's offset path: rvtool has the library make it, through
+// the frame step of the hatching generator.
 #pragma once
 
 #include <cstdint>
@@ -27,15 +27,26 @@ constexpr const char* kTilePrefix = "Tile";
 /// strip. Throws Failure.
 std::vector<RVTILE> FileTiles(const std::vector<FiledKey>& groups, int16_t map, int count);
 
-/// The offset maker of the milling export: a closed art's outline moved
-/// `offset` millimetres outward (inward for a negative offset), corners
-/// mitred (at most twice the offset out), as a new closed path that isn't
-/// linked into any layer. Offset 0 gives the art itself. `user` is unused.
-/// Returns the code of a failed library call.
-uint32_t MakeOffsetArt(void* user, void* art, double offset, void** result);
+/// The offset maker of the milling export. The library offsets the outline:
+/// the art is copied into the work layer "Rivlen_HatchingWorkLayer" and the
+/// hatching generator's frame step (generate 2) offsets it by `offset`
+/// millimetres through the library's clipper (square corners), outward for a
+/// positive offset; the result is the first child of
+/// "Rivlen_HatchingFrameLayer" and stays in the document. Both layers are
+/// made at the end of the document when the maker is built; the frames are
+/// filed in a table of the maker's own. Offset 0 gives the art itself.
+class OffsetMaker {
+ public:
+  /// Makes the two layers and the table in the active document `document`.
+  /// Throws Failure.
+  explicit OffsetMaker(int16_t document);
+  /// The makeOffsetArt callback; `user` is the OffsetMaker. Returns the code
+  /// of a failed library call, 1 when the offset leaves nothing.
+  static uint32_t Make(void* user, void* art, double offset, void** result);
 
-/// The outline `points` (closed, without the repeated start) moved `offset`
-/// outward; the mitre at a sharp corner reaches at most 2 |offset| out.
-std::vector<RVPOINT> OffsetOutline(const std::vector<RVPOINT>& points, double offset);
+ private:
+  int16_t m_document;
+  int16_t m_table = -1;
+};
 
 }  // namespace rvtool
