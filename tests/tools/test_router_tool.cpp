@@ -117,3 +117,29 @@ TEST(ToolRouter, MillTilesAndThePictureOfTheirJobs) {
 }
 
 }  // namespace
+
+TEST(ToolRouter, MillAndPreviewOfTheSampleCLJob) {
+  rvtest::TempDir dir;
+  const std::string cl = Sample("router_plate.cl"), conditions = Sample("router-conditions.xml");
+  // Each way of clearing makes a milling job in three depth passes.
+  for (const std::string clear : {"none", "hatching", "contour"}) {
+    SCOPED_TRACE(clear);
+    const std::string job = dir.file(clear + ".rvl");
+    std::vector<std::string> args{"mill", cl, "-o", job, "--conditions", conditions, "--clear", clear};
+    if (clear == "contour") args.push_back("--inside");
+    const auto run = RunTool(args);
+    ASSERT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Contains(run.out, "(media 'Plywood 6', 3 passes, clearing: " + clear + ")")) << run.out;
+    const std::string bytes = rvtest::ReadFile(job);
+    EXPECT_EQ(bytes.rfind("DF1;", 0), 0u) << bytes.substr(0, 40);
+    EXPECT_TRUE(Contains(bytes, "JZ-39;") && Contains(bytes, "PD1800.00,3000.00;")) << bytes.substr(0, 120);
+  }
+  const auto preview = RunTool({"preview", cl, "-o", dir.file("preview.svg")});
+  ASSERT_EQ(preview.status, 0) << preview.err;
+  EXPECT_TRUE(Contains(preview.out, "(3 passes, 1028 points")) << preview.out;
+  EXPECT_TRUE(Contains(rvtest::ReadFile(dir.file("preview.svg")), "<svg"));
+  // Contour clearing runs inward only; a CL file that isn't there is a file failure.
+  EXPECT_EQ(RunTool({"mill", cl, "-o", dir.file("x.rvl"), "--conditions", conditions, "--clear", "contour"}).status,
+            64);
+  EXPECT_EQ(RunTool({"mill", dir.file("none.cl"), "-o", dir.file("x.rvl"), "--conditions", conditions}).status, 1);
+}

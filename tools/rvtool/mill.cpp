@@ -50,6 +50,10 @@ RVPLOTPARAM MillingParam(const MillOptions& o, const std::string& media) {
 }  // namespace
 
 int RunMill(const MillOptions& options, std::ostream& out) {
+  // Contour clearing makes inward echoes, step after step, until nothing is
+  // left: only an inward offset ends (the library refuses any other).
+  if (options.clear == "contour" && !options.inside)
+    throw Failure("--clear contour needs --inside: contour lines clear inward", kUsageStatus);
   ConditionTable conditions;
   conditions.LoadXml(options.conditions, options.machine);
   const std::vector<std::string> names = conditions.MediaNames();
@@ -86,7 +90,8 @@ Subcommand AddMillCommand(CLI::App& app) {
       "shapes clockwise and holes the other way, offsets each closed shape at every change of\n"
       "the media's Milling value by half that change, gives it its start, joints and lead,\n"
       "and writes the passes of the media (depth from Thickness - CuttingDepth). With\n"
-      "--clear the area is cleared by hatching or contour lines first. Coordinates are\n"
+      "--clear the area is cleared by hatching or contour lines first (contour lines with\n"
+      "--inside only, for they run inward). Coordinates are\n"
       "written in units of --unit millimetres.");
   command->add_option("FILE", options->file, "CL file")->required();
   command->add_option("-o,--output", options->output, "Milling job to write")->required();
