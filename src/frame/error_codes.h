@@ -119,10 +119,6 @@ namespace rv {
 RV_ALL_ERROR_CODES(RV_DEFINE_ERROR_CODE)
 #undef RV_DEFINE_ERROR_CODE
 
-/// The generators' result when an offset left nothing (the same value as
-/// kNothingMade, by the name the generators use).
-inline constexpr uint32_t kGenerateNothingMade = kNothingMade;
-
 /// One row of the table: a code and its one-line meaning.
 struct ErrorCodeWords {
   uint32_t code;

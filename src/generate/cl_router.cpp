@@ -35,8 +35,6 @@ constexpr const char* kRouterJointTag = "RivlenKerflowMicroJointTag";
 /// Room of the joint text, as the writers read it.
 constexpr std::size_t kJointTextSize = 128;
 
-CRvDataAccess& Store() { return CRvDataAccess::Instance(); }
-
 /// The Milling value of pass 1 of `key` when its condition enables one,
 /// else 0. A key that names no media raises 0x06001001.
 double MillingOfFirstPass(const RVPLOTPARAM& param) {

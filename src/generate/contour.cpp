@@ -9,6 +9,7 @@
 #include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "generate/clipper.h"
+#include "generate/work_layer.h"
 #include "generate/hatching.h"
 #include "geometry/affine.h"
 #include "geometry/curve_core.h"
@@ -29,8 +30,6 @@ constexpr double kPiSingle = 3.1415927410125732;
 constexpr double kTwoPi = 6.283185307179586;
 /// A corner is sharp when it turns by less than this, degrees.
 constexpr double kSharpLimit = 90.0;
-
-CRvDataAccess& Store() { return CRvDataAccess::Instance(); }
 
 /// The target of a corner until its bisector meets the next outer echo.
 constexpr RVPOINT kUnsetTarget{std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::quiet_NaN()};

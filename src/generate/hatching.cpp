@@ -6,6 +6,7 @@
 #include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "generate/clipper.h"
+#include "generate/work_layer.h"
 #include "generate/hatch_order.h"
 #include "geometry/affine.h"
 #include "geometry/judge.h"
@@ -32,8 +33,6 @@ constexpr int32_t kFrameOnly = 2;
 /// Answers of the orientation judgment.
 constexpr int32_t kClockwise = 1;
 constexpr int32_t kCounterClockwise = 2;
-
-CRvDataAccess& Store() { return CRvDataAccess::Instance(); }
 
 }  // namespace
 
@@ -64,10 +63,10 @@ uint32_t CRvHatching::Run(int16_t document, const RVHATCHINGINFO& info) {
       OrderLines(m_work);
       MakeLinePaths(document, workLayer);
     } else {
-      result = kGenerateNothingMade;
+      result = kNothingMade;
     }
   }
-  if (m_work.info.generate != kLinesOnly && MakeFrame(workLayer) != 0) result = kGenerateNothingMade;
+  if (m_work.info.generate != kLinesOnly && MakeFrame(workLayer) != 0) result = kNothingMade;
   return result;
 }
 

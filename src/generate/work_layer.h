@@ -17,9 +17,13 @@
 
 #include "geometry/curve_list.h"
 #include "model/art.h"
+#include "model/data_access.h"
 #include "rvdataaccess.h"
 
 namespace rv {
+
+/// The store whose active document the generators work on.
+inline CRvDataAccess& Store() { return CRvDataAccess::Instance(); }
 
 /// The layer the host fills for both generators.
 inline constexpr const char* kWorkLayerName = "Rivlen_HatchingWorkLayer";

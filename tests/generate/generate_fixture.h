@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "drawing_text.h"
 #include "rvdataaccess.h"
 
 namespace rvtest {
@@ -77,13 +78,7 @@ class GenerateTest : public ::testing::Test {
     RvGiGetLayerFromName(&layer, name);
     return layer;
   }
-  static std::vector<void*> Children(void* art) {
-    std::vector<void*> out;
-    void* child = nullptr;
-    RvGiGetArtFirstChild(art, &child);
-    for (; child != nullptr; RvGiGetArtSibling(child, &child)) out.push_back(child);
-    return out;
-  }
+  static std::vector<void*> Children(void* art) { return rvtest::Children(art); }
   static int16_t Type(void* art) {
     int16_t type = -1;
     RvGiGetArtType(art, &type);

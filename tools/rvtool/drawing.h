@@ -20,6 +20,14 @@ constexpr int16_t kTypePath = 4;
 constexpr int16_t kTypeArc = 5;
 constexpr int16_t kTypeSpline = 6;
 
+/// Art position: last child of the reference.
+constexpr int16_t kLastChild = 5;
+/// RefMap info bit of an entry that goes to the output.
+constexpr uint8_t kOutputInfo = 2;
+/// The layers of the generators: the one the host fills, and the frames.
+constexpr const char* kWorkLayer = "Rivlen_HatchingWorkLayer";
+constexpr const char* kFrameLayer = "Rivlen_HatchingFrameLayer";
+
 /// Records that the library's curve functions hand out, freed with them.
 struct CurvePointsDeleter {
   void operator()(RVCURVEPOINT* points) const { RvMiFreePoints(points); }

@@ -7,7 +7,6 @@
 namespace rvtool {
 namespace {
 
-constexpr uint8_t kOutputInfo = 2;     // RefMap info bit: the entry is output
 constexpr int16_t kCountsForBounds = 2;  // attribute flag: the art counts for the job's bounds
 
 }  // namespace

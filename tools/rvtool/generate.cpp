@@ -28,7 +28,6 @@
 namespace rvtool {
 namespace {
 
-constexpr const char* kWorkLayer = "Rivlen_HatchingWorkLayer";
 constexpr const char* kWorkMedia = "GENERATED";
 constexpr uint8_t kDrawnFlags = 7;   // counted for bounds, as imports mark their paths
 constexpr uint16_t kHatchingClass = 10;  // the export class that writes frame and lines by their keys
@@ -117,7 +116,7 @@ std::size_t FillWorkLayer(const std::string& command, const std::string& file) {
   void* compound = nullptr;
   CheckRead(RvGiCreateLayer(0, nullptr, &work));
   CheckRead(RvGiSetLayerName(work, kWorkLayer));
-  CheckRead(RvGiCreateArt(kTypeCompound, 5, work, &compound));
+  CheckRead(RvGiCreateArt(kTypeCompound, kLastChild, work, &compound));
   std::vector<void*> paths;
   for (const Stroke& stroke : strokes) paths.push_back(NewPath(compound, stroke));
   OrientForFill(paths);
@@ -263,9 +262,9 @@ static int RunHatch(HatchOptions& o, std::ostream& out) {
 
   ProgressBar progress(IsTerminal());
   WriteJob(o, document, progress);
-  WritePictures(o, {"Rivlen_HatchingPathLayer", "Rivlen_HatchingFrameLayer", kWorkLayer});
+  WritePictures(o, {"Rivlen_HatchingPathLayer", kFrameLayer, kWorkLayer});
   out << "job: " << o.output << " (" << shapes << (shapes == 1 ? " shape, " : " shapes, ")
-      << CountPaths("Rivlen_HatchingPathLayer") << " lines, " << CountPaths("Rivlen_HatchingFrameLayer")
+      << CountPaths("Rivlen_HatchingPathLayer") << " lines, " << CountPaths(kFrameLayer)
       << " frame paths)\n";
   PrintTravel(out);
   return 0;

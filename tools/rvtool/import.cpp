@@ -12,6 +12,7 @@
 #include <string>
 
 #include "drawing.h"
+#include "frame/error_codes.h"
 #include "failure.h"
 #include "progress.h"
 #include "rvdataaccess.h"
@@ -44,9 +45,6 @@ struct Importer {
 };
 
 bool AnyHead(const FileHead&) { return true; }
-
-/// The library's result for a file that draws nothing.
-constexpr uint32_t kNothingDrawn = 1;
 
 // CMX drawings: a RIFF file of the form "CMX1".
 bool CmxHead(const FileHead& head) {
@@ -108,7 +106,7 @@ Document ImportDrawing(const std::string& path, double unitScale) {
     const uint32_t code = importer.import(path, unitScale, &index);
     // A failed import may leave its new document behind: it goes with `document`.
     Document document(index);
-    if (code == kNothingDrawn)
+    if (code == rv::kNothingMade)
       throw ToolFailure("import", path, "the file draws nothing (code 1)", kNoDrawingStatus);
     Check(code, "import", path);
     return document;

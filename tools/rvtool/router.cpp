@@ -9,14 +9,6 @@
 #include "geometry.h"
 
 namespace rvtool {
-namespace {
-
-constexpr uint8_t kOutputInfo = 2;     // RefMap info bit: the entry is output
-constexpr int16_t kUnlinked = 9;       // art position that links the art nowhere
-constexpr int16_t kLastChild = 5;      // art position: last child of the reference
-
-}  // namespace
-
 std::vector<RVTILE> FileTiles(const std::vector<FiledKey>& groups, int16_t map, int count) {
   const std::string operation = "filing the tiles";
   Bounds all;
@@ -57,10 +49,9 @@ std::vector<RVTILE> FileTiles(const std::vector<FiledKey>& groups, int16_t map, 
 namespace {
 
 // The layers through which the hatching generator's frame step makes the
-// offsets: a work layer that holds one copy of the art at a time, and the
-// frame layer that receives each offset as its first child.
-constexpr const char* kWorkLayer = "Rivlen_HatchingWorkLayer";
-constexpr const char* kFrameLayer = "Rivlen_HatchingFrameLayer";
+// offsets (kWorkLayer and kFrameLayer): a work layer that holds one copy of
+// the art at a time, and the frame layer that receives each offset as its
+// first child.
 constexpr int16_t kLayerAtEnd = 1;
 constexpr int32_t kFrameOnly = 2;      // RVHATCHINGINFO.generate: the frame alone
 constexpr uint8_t kAttrCounted = 2;    // the generators take paths with this bit
