@@ -1231,10 +1231,17 @@ RV_API uint32_t RvExRIFMillingToRVL(const char* path, int16_t documentIndex, con
  *     lie on one column, x cut to 0.01);
  *  4. with outputMicroJoints, writes "MicroJointLayer" as RvExRIFToRVL does.
  * Records are written as they stand: no art matrix, placement or flip. The
- * condition block (rows 51, 13, 49, 52, 47, 45, 54) is always written in
- * the tool-machine dialect (1), the moves and draws in param's dialect; the
- * depth changes over joints follow param's dialect. The layers that the
- * route makes stay in the document. Any other plotterClass writes only
+ * condition block (rows 51, 13, 49, 52, 47, 45, 54), the depth changes
+ * over joints and the rows of the joint writer are always written in the
+ * tool-machine dialect (1), the moves and draws in param's dialect. The
+ * joints are built, as in RvExRIFMillingToRVL, at the first pass below
+ * jointDepthLimit; after the job each is cut free at Thickness -
+ * CuttingDepth of its passes held at -1.5 or above (1.5 below the sheet at
+ * most), where a plain milling job holds its depths at 0. Each art of the
+ * table is offset by itself, per pass, into "CLRouterOffsetLayerA": an
+ * offset of the whole job into one layer per pass would mill every art
+ * once for each art of the table, so the route has none. The layers that
+ * the route makes stay in the document. Any other plotterClass writes only
  * step 4.
  * Placement of a lead: the three records (the start point again, then the
  * lead point twice) go behind the path's last point, and the start segment

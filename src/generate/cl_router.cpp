@@ -245,17 +245,6 @@ void CRvCLRouter::BaseStep(const RVPLOTPARAM& param) {
   }
 }
 
-CRvArt* CRvCLRouter::OffsetJob(CRvArt* art, double distance, const RVPLOTPARAM& param, const RVPOINT& pen) {
-  CRvArt* result = art;
-  if (distance != 0.0) {
-    OffsetLayers(distance, param.routerInside != 0, kRouterBaseLayer, kRouterOffsetLayer, kRouterCutCondition,
-                 kRouterOffsetKey);
-    result = Store().GetLayerFromName(kRouterOffsetLayer);
-  }
-  FinishPaths(result, param, pen, 0, false);
-  return result;
-}
-
 CRvArt* CRvCLRouter::OffsetOneArt(CRvArt* art, double distance, const RVPLOTPARAM& param, const RVPOINT& pen) {
   CRvDataAccess& store = Store();
   if (art->GetType() == kArtPath && store.GetPathClosed(art) == 0) return art;

@@ -25,7 +25,6 @@ inline constexpr const char* kRouterHatchSourceLayer = "CLTempFileLayer";
 inline constexpr const char* kRouterSourcePrefix = "CLPlotFileLayer";
 inline constexpr const char* kRouterWorkLayer = "Rivlen_HatchingWorkLayer";
 inline constexpr const char* kRouterBaseLayer = "CLRouterBaseOffsetLayer";
-inline constexpr const char* kRouterOffsetLayer = "CLRouterOffsetLayer";
 inline constexpr const char* kRouterOffsetLayerA = "CLRouterOffsetLayerA";
 inline constexpr const char* kRouterCutCondition = "CLRouterCutCondition";
 inline constexpr const char* kRouterOffsetKey = "CLRouterOffsetPath";
@@ -70,9 +69,6 @@ class CRvCLRouter {
   /// Turns and merges the job into "CLRouterBaseOffsetLayer" and registers
   /// its arts in a new table, made the router start, end and plot table.
   void BaseStep(const RVPLOTPARAM& param);
-  /// The whole job offset by `distance` for a pass: the layer
-  /// "CLRouterOffsetLayer", or `art` itself for a distance of 0.
-  CRvArt* OffsetJob(CRvArt* art, double distance, const RVPLOTPARAM& param, const RVPOINT& pen);
   /// One art offset by `distance` for a pass: the layer
   /// "CLRouterOffsetLayerA" (made anew), or the art itself when it is open.
   CRvArt* OffsetOneArt(CRvArt* art, double distance, const RVPLOTPARAM& param, const RVPOINT& pen);

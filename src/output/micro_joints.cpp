@@ -130,7 +130,7 @@ uint32_t CRvRVLFormat::JointWriter(CRvArt* path) {
     if (first != nullptr && first->HasTag(kRepeatTag)) numbers = RepeatNumbers(first->GetTag(kRepeatTag));
     // The count holds to the passes that the tag names.
     const int32_t count = std::clamp(numbers.front(), 0, int32_t(numbers.size()) - 1);
-    const RVRIFMATRIX matrix = store.GetArtMatrix(path);
+    const RVRIFMATRIX matrix = m_mapArtMatrix ? store.GetArtMatrix(path) : kIdentity;
     const bool closed = store.GetPathClosed(path) != 0;
     for (int32_t q = 1; q <= count; ++q) {
       if (source != 0) WriteJointBlock(key, numbers[std::size_t(q)]);
@@ -142,7 +142,7 @@ uint32_t CRvRVLFormat::JointWriter(CRvArt* path) {
     }
     AdvanceProgress();
   });
-  if (code != 0) ShowMessage(kMillingMessage, kMillingMessageTitle);
+  if (code != 0) ShowMessage(m_millingMessage, kMillingMessageTitle);
   return code;
 }
 
@@ -153,20 +153,28 @@ void CRvRVLFormat::WriteJointBlock(const std::string& key, int32_t pass) {
   char tool[sizeof cond.Tool + 1] = {};
   std::memcpy(tool, cond.Tool, sizeof cond.Tool);
   const int16_t pen = KeptPen(tool);
-  const bool downward = m_param.dialect == 1;
+  const bool downward = ConditionDialect() == 1;
   const int toolNumber = downward ? std::abs(int(pen)) : int(pen);
   std::string block;
-  AppendRow(block, kRowToolDefaults, {});
-  AppendRow(block, kRowPen, {toolNumber, int(cond.WDZUnit)});
-  AppendRow(block, kRowThickness, {Tenths(cond.Thickness)});
-  if (cond.hasSpeed != 0) AppendRow(block, kRowSpeedDecimal, {cond.SpeedDecimal, toolNumber});
-  if (milling.hasRpm != 0) AppendRow(block, kRowRpm, {int(milling.Rpm)});
+  AppendConditionRow(block, kRowToolDefaults, {});
+  AppendConditionRow(block, kRowPen, {toolNumber, int(cond.WDZUnit)});
+  AppendConditionRow(block, kRowThickness, {Tenths(cond.Thickness)});
+  if (cond.hasSpeed != 0) AppendConditionRow(block, kRowSpeedDecimal, {cond.SpeedDecimal, toolNumber});
+  if (milling.hasRpm != 0) AppendConditionRow(block, kRowRpm, {int(milling.Rpm)});
   if (milling.hasCuttingDepth != 0) {
-    // The joint is cut at the full depth of its pass, not held at 0.
-    AppendRow(block, kRowDepth,
-              {downward ? DownwardTenths(milling.CuttingDepth) : Tenths(cond.Thickness - milling.CuttingDepth)});
+    const double depth = cond.Thickness - milling.CuttingDepth;
+    int32_t word = 0;
+    if (m_jointDepthHeld) {
+      // Cut free a little below the sheet, but never deeper than the floor.
+      const double held = std::max(m_jointDepthFloor, depth);
+      word = downward ? DownwardTenths(held) : Tenths(held);
+    } else {
+      // The joint is cut at the full depth of its pass, not held at 0.
+      word = downward ? DownwardTenths(milling.CuttingDepth) : Tenths(depth);
+    }
+    AppendConditionRow(block, kRowDepth, {word});
   }
-  if (milling.hasZSpeed != 0) AppendRow(block, kRowZSpeed, {int(milling.ZSpeed)});
+  if (milling.hasZSpeed != 0) AppendConditionRow(block, kRowZSpeed, {int(milling.ZSpeed)});
   WriteBytes(block);
 }
 

@@ -82,7 +82,7 @@ uint32_t CRvRVLFormat::MillingWriter(CRvArt* art) {
     if ((CRvDataAccess::Instance().GetPathAttrFlag(art) & kAttrExcluded) == 0) MillArt(art);
     AdvanceProgress();
   });
-  if (code != 0) ShowMessage(kMillingMessage, kMillingMessageTitle);
+  if (code != 0) ShowMessage(m_millingMessage, kMillingMessageTitle);
   return code;
 }
 
@@ -106,10 +106,12 @@ void CRvRVLFormat::MillArt(CRvArt* art) {
     state.conditionDue = count > 0;
     state.passes = count > 0 ? count : 1;
   }
-  const bool closed = store.GetPathClosed(art) != 0;
+  // A compound (an outline with its holes) is milled as a closed art.
+  const bool closed = art->GetType() != kArtPath || store.GetPathClosed(art) != 0;
   state.current = art;
 
   for (int32_t k = 1; k <= state.passes; ++k) {
+    BeginMillingPass();
     if (state.conditionDue) {
       state.condition = ReadMillingCondition(state.key, k);
       if (state.condition.milling.hasMilling != 0) state.offsetNow = state.condition.milling.Milling;
@@ -144,17 +146,28 @@ CRvArt* CRvRVLFormat::OffsetArtOfPass(CRvArt* art, int32_t pass, bool closed, Mi
 
 void CRvRVLFormat::MillPaths(CRvArt* current, int32_t pass, bool closed, MillingPass& state) {
   CRvDataAccess& store = CRvDataAccess::Instance();
+  // The paths of a compound one by one; a layer (an offset of several
+  // shapes) gives its paths and its compounds' paths.
   std::vector<CRvArt*> paths;
   if (current->GetType() == kArtCompound) {
     const auto& children = static_cast<CRvContainerArt*>(current)->m_children.items();
     paths.assign(children.begin(), children.end());
+  } else if (current->GetType() == kArtLayer) {
+    for (CRvArt* a : static_cast<CRvContainerArt*>(current)->m_children.items()) {
+      if (a->GetType() == kArtPath) paths.push_back(a);
+      if (a->GetType() != kArtCompound) continue;
+      for (CRvArt* p : static_cast<CRvContainerArt*>(a)->m_children.items()) {
+        if (p->GetType() == kArtPath) paths.push_back(p);
+      }
+    }
   } else {
     paths.push_back(current);
   }
   for (CRvArt* path : paths) {
     if (!path->IsContainer()) Raise(kErrPathComponent);
     if (state.conditionDue) WriteMillingBlock(pass, state);
-    const RVRIFMATRIX matrix = store.GetArtMatrix(path);
+    const RVRIFMATRIX matrix = m_mapArtMatrix ? store.GetArtMatrix(path) : kIdentity;
+    const bool pathClosed = path->GetType() != kArtPath || store.GetPathClosed(path) != 0;
     // An open path is walked forward whatever the condition says; its
     // joints go the same way.
     const bool walkForward = !closed || state.forward;
@@ -164,14 +177,16 @@ void CRvRVLFormat::MillPaths(CRvArt* current, int32_t pass, bool closed, Milling
         state.hasJoints = true;
       }
       if (!state.hasJoints) {
-        WritePath(bezier, matrix, closed, state.forward, state.needMove);
-        return;
+        MillComponent(bezier, matrix, closed, state.forward, state.needMove);
+      } else {
+        if (state.lastDepth < m_param.jointDepthLimit && !state.jointsBuilt) {
+          state.jointsBuilt = true;
+          BuildJoints(state.key, bezier, matrix, state.joints, pass, state.passes, walkForward);
+        }
+        WriteJointPath(bezier, matrix, closed, state.forward, state.needMove, state.joints, state.lastDepth);
       }
-      if (state.lastDepth < m_param.jointDepthLimit && !state.jointsBuilt) {
-        state.jointsBuilt = true;
-        BuildJoints(state.key, bezier, matrix, state.joints, pass, state.passes, walkForward);
-      }
-      WriteJointPath(bezier, matrix, closed, state.forward, state.needMove, state.joints, state.lastDepth);
+      const int32_t n = bezier.GetPointCount();
+      if (n > 0) m_toolAt = bezier.GetPoint(pathClosed ? int32_t(bezier.StartSegment()) % n : n - 1).anchor;
     });
     if (state.needMove == 0) state.needMove = 1;
   }
@@ -190,47 +205,47 @@ void CRvRVLFormat::WriteMillingBlock(int32_t pass, MillingPass& state) {
   std::memcpy(tool, cond.Tool, sizeof cond.Tool);
   const int16_t pen = KeptPen(tool);
   // The tool-machine dialect names the tool by its magnitude.
-  const int toolNumber = m_param.dialect == 1 ? std::abs(int(pen)) : int(pen);
+  const int toolNumber = ConditionDialect() == 1 ? std::abs(int(pen)) : int(pen);
   const uint16_t source = m_param.conditionSource;
   std::string block;
   if (source == 2) {
-    AppendRow(block, kRowToolDefaults, {});
-    AppendRow(block, kRowPen, {toolNumber, int(cond.WDZUnit)});
+    AppendConditionRow(block, kRowToolDefaults, {});
+    AppendConditionRow(block, kRowPen, {toolNumber, int(cond.WDZUnit)});
     WriteBytes(block);
     return;
   }
   if (source != 1 && source != 3) return;
   state.forward = cond.CutDirection == 0;
-  AppendRow(block, kRowToolDefaults, {});
-  AppendRow(block, kRowPen, {toolNumber, int(cond.WDZUnit)});
-  AppendRow(block, kRowThickness, {Tenths(cond.Thickness)});
-  if (cond.hasSpeed != 0) AppendRow(block, kRowSpeedDecimal, {cond.SpeedDecimal, toolNumber});
-  if (milling.hasRpm != 0) AppendRow(block, kRowRpm, {int(milling.Rpm)});
+  AppendConditionRow(block, kRowToolDefaults, {});
+  AppendConditionRow(block, kRowPen, {toolNumber, int(cond.WDZUnit)});
+  AppendConditionRow(block, kRowThickness, {Tenths(cond.Thickness)});
+  if (cond.hasSpeed != 0) AppendConditionRow(block, kRowSpeedDecimal, {cond.SpeedDecimal, toolNumber});
+  if (milling.hasRpm != 0) AppendConditionRow(block, kRowRpm, {int(milling.Rpm)});
   if (milling.hasCuttingDepth != 0) {
     const double depth = std::max(0.0, cond.Thickness - milling.CuttingDepth);
     // The tool rises before it goes to another depth.
     if (pass > 1 && depth != state.lastDepth) AppendRow(block, kRowPenUp, {});
-    AppendRow(block, kRowDepth, {m_param.dialect == 1 ? DownwardTenths(depth) : Tenths(depth)});
+    AppendConditionRow(block, kRowDepth, {ConditionDialect() == 1 ? DownwardTenths(depth) : Tenths(depth)});
     state.lastDepth = depth;
   }
-  if (milling.hasZSpeed != 0) AppendRow(block, kRowZSpeed, {int(milling.ZSpeed)});
+  if (milling.hasZSpeed != 0) AppendConditionRow(block, kRowZSpeed, {int(milling.ZSpeed)});
   WriteBytes(block);
 }
 
 void CRvRVLFormat::DepthChange(double depth, bool lifting) {
   const double limit = m_param.jointDepthLimit;
   m_record.clear();
-  if (m_param.dialect == 1) {
+  if (ConditionDialect() == 1) {
     if (!lifting) {
-      AppendRow(m_record, kRowDepth, {DownwardTenths(depth)});
+      AppendConditionRow(m_record, kRowDepth, {DownwardTenths(depth)});
     } else if (depth > limit) {
-      AppendRow(m_record, kRowDepth, {DownwardTenths(limit)});
+      AppendConditionRow(m_record, kRowDepth, {DownwardTenths(limit)});
     }
   } else {
     if (!lifting) {
-      AppendRow(m_record, kRowDepth, {Tenths(depth)});
+      AppendConditionRow(m_record, kRowDepth, {Tenths(depth)});
     } else if (limit > depth) {
-      AppendRow(m_record, kRowDepth, {Tenths(limit)});
+      AppendConditionRow(m_record, kRowDepth, {Tenths(limit)});
     }
   }
   WriteBytes(m_record);

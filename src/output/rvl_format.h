@@ -197,6 +197,28 @@ class CRvRVLFormat : public CRvFormatStrategy {
   /// The frame round the whole job.
   void WriteFrame();
 
+  // ---- how a milling job of another kind differs ----
+  /// The dialect of the condition and depth rows (51, 13, 49, 52, 47, 45,
+  /// 54); the job's dialect when negative.
+  int16_t m_conditionDialect = -1;
+  int16_t ConditionDialect() const { return m_conditionDialect < 0 ? m_param.dialect : m_conditionDialect; }
+  /// Appends a condition or depth row in ConditionDialect().
+  void AppendConditionRow(std::string& out, int row, std::initializer_list<RowArg> args) const {
+    AppendFormatted(out, RvlCell(row, ConditionDialect()), args);
+  }
+  /// Whether milled records are mapped by their path's art matrix.
+  bool m_mapArtMatrix = true;
+  /// With m_jointDepthHeld, the joint writer cuts at Thickness -
+  /// CuttingDepth held at m_jointDepthFloor or above; without, at the
+  /// depth of the joint rows of the milling job.
+  bool m_jointDepthHeld = false;
+  double m_jointDepthFloor = 0.0;
+  /// The message that a failing milling or joint writer shows.
+  const char* m_millingMessage = kMillingMessage;
+  /// Where the tool stands after the last milled component: the start of a
+  /// closed path, the end of an open one.
+  RVPOINT m_toolAt{0.0, 0.0};
+
   /// One art done: counts it, reports "Createing plot data... %d %%" and
   /// raises 0x06001F01 when the host cancels.
   void AdvanceProgress();
@@ -249,6 +271,17 @@ class CRvRVLFormat : public CRvFormatStrategy {
                       int& needMove, const JointList* joints, double depth);
 
   // ---- milling (milling_writer.cpp) ----
+ protected:
+  /// Writes one component of a milled path that has no joints; the path
+  /// writer unless a job kind writes its own.
+  virtual void MillComponent(const CRvBezier& bezier, const RVRIFMATRIX& matrix, bool closed, bool forward,
+                             int& needMove) {
+    WritePath(bezier, matrix, closed, forward, needMove);
+  }
+  /// Called at the start of each pass of a milled art.
+  virtual void BeginMillingPass() {}
+
+ private:
   struct MillingPass;
   /// The passes of one art that isn't excluded.
   void MillArt(CRvArt* art);

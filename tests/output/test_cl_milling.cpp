@@ -80,3 +80,33 @@ TEST(ClMilling, RectangleAndLineFromFileToMillingJob) {
 }
 
 }  // namespace
+
+// Joints in a CL job whose moves are written in dialect 0: the router gives
+// the 40 x 40 square one joint from its start (to 4.59 along the first
+// side). Pass 1 (depth 6) runs above the joint limit 5, pass 2 (CuttingDepth
+// 12, depth -2 held at 0) is the first below it, so the joint is built there.
+// Every condition and depth row is the tool-machine dialect's, which counts
+// downward and raises the tool over a joint only where it stands above the
+// limit: "JZ-49;" over the joint in pass 1, nothing in pass 2 (dialect 0
+// would write "JZ50;" there). After the job the joint is cut free at -2 held
+// at -1.5 ("JZ15;"), and its layer is gone.
+TEST(ClMilling, JointsKeepTheToolMachineRowsAndAreCutFreeBelowTheSheet) {
+  ClJob job;
+  job.Import("PD40,0,40,40,0,40,0,0;");
+  const CLCondition passes[2] = {Pass(4, 2), Pass(12, 2)};
+  ASSERT_EQ(RvCLSetCutCondition("WOOD", passes, 2), 0u);
+  RVPLOTPARAM p = ClParam();
+  p.dialect = 0;
+  p.outputMicroJoints = 1, p.routerJointCount = 1, p.routerJointLength = 5.0;
+  p.jointDepthLimit = 5.0;
+  const std::string joint = "PU0.00,0.00;PD0.00,0.00;PD4.59,0.00;";
+  const std::string rest =
+      "PD4.59,0.00;PD40.00,0.00;PD40.00,0.00;PD40.00,40.00;PD40.00,40.00;PD40.00,40.00;PD40.00,40.00;"
+      "PD0.00,40.00;PD0.00,40.00;PD0.00,0.00;";
+  EXPECT_EQ(job.Mill(p), "DF1;JT3,2;JW100;JZ-59;JZ-49;" + joint + "JZ-59;" + rest +  //
+                             "DF1;JT3,2;JW100;PU;JZ0;" + joint + "JZ0;" + rest + "PU;" +
+                             "DF1;JT3,2;JW100;JZ15;" + joint + "PU;");
+  void* layer = nullptr;
+  RvGiGetLayerFromName(&layer, "MicroJointLayer");
+  EXPECT_EQ(layer, nullptr);
+}
