@@ -1,6 +1,6 @@
 // Fuzz target: arbitrary bytes as a CL file through RvImCLToRIF (as the
 // numbered layer 1 of a job), then the router's clearing and the CL milling
-// export of that job, then the same bytes as the plot file of a cut preview.
+// export of that job with joints, then the same bytes as the plot file of a cut preview.
 // The content of a file never fails the import (0, or 1 when nothing is
 // drawn); the route fails only for a drawing beyond the clipper's grid; the
 // preview of what was drawn never fails and its counts agree with its
@@ -53,9 +53,9 @@ void LoadConditions() {
 }
 
 /// Clearing and milling of the CL job in document `index`.
-void RunRoute(int16_t index, const std::string& output) {
+void RunRoute(int16_t index, const std::string& output, int16_t dialect) {
   RVPLOTPARAM param{};
-  param.dialect = 1;
+  param.dialect = dialect;
   param.deviceUnit = 1.0;
   param.scaleX = param.scaleY = 100.0;
   param.curveMaxLength = 31000.0;
@@ -64,6 +64,9 @@ void RunRoute(int16_t index, const std::string& output) {
   std::strcpy(param.conditionKey, "FUZZ");
   param.routerOverlap = 0.5;
   param.outputMicroJoints = 1;
+  // Pass 1 (depth 6) is below the limit: its joints are built and cut free
+  // after the job.
+  param.jointDepthLimit = 7.0;
   param.routerJointLength = 2.0;
   param.routerJointCount = 3;
   param.routerLeadIn = 1;
@@ -108,7 +111,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   Require(code == 0 || code == 1);
   if (code == 0) {
     LoadConditions();
-    RunRoute(index, path + ".rvl");
+    // Moves in the tool-machine dialect or the pen dialect.
+    RunRoute(index, path + ".rvl", int16_t(size % 2));
     // The same bytes as a plot file, into the same document: the preview's
     // source layer.
     Require(RvImPLTToRIF(path.c_str(), 1, &index, &scale) == 0);
