@@ -134,6 +134,20 @@ TEST(ToolRouter, MillAndPreviewOfTheSampleCLJob) {
     EXPECT_EQ(bytes.rfind("DF1;", 0), 0u) << bytes.substr(0, 40);
     EXPECT_TRUE(Contains(bytes, "JZ-39;") && Contains(bytes, "PD1800.00,3000.00;")) << bytes.substr(0, 120);
   }
+  // Joints keep 1 mm of the 6 mm sheet: the first pass (4 mm left) rises to
+  // it over each joint ("JZ-9;"), and after the job the joints are cut free
+  // in blocks of their own.
+  const std::string plain = rvtest::ReadFile(dir.file("none.rvl")), jointed = dir.file("joints.rvl");
+  ASSERT_EQ(RunTool({"mill", cl, "-o", jointed, "--conditions", conditions, "--joints", "2"}).status, 0);
+  const std::string bytes = rvtest::ReadFile(jointed);
+  auto blocks = [](const std::string& job) {
+    std::size_t n = 0;
+    for (std::size_t at = job.find("DF1;"); at != std::string::npos; at = job.find("DF1;", at + 1)) ++n;
+    return n;
+  };
+  EXPECT_FALSE(Contains(plain, "JZ-9;"));
+  EXPECT_TRUE(Contains(bytes, "JZ-9;"));
+  EXPECT_GT(blocks(bytes), blocks(plain));
   const auto preview = RunTool({"preview", cl, "-o", dir.file("preview.svg")});
   ASSERT_EQ(preview.status, 0) << preview.err;
   EXPECT_TRUE(Contains(preview.out, "(3 passes, 1028 points")) << preview.out;

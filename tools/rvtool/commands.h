@@ -71,6 +71,7 @@ struct MillOptions {
   bool leadIn = false;
   int joints = 0;
   double jointLength = 2.0;
+  double jointDepth = 1.0;
 };
 
 /// `rvtool info`: imports the file and prints the document.

@@ -43,6 +43,7 @@ RVPLOTPARAM MillingParam(const MillOptions& o, const std::string& media) {
   p.outputMicroJoints = o.joints > 0 ? 1 : 0;
   p.routerJointCount = int16_t(o.joints);
   p.routerJointLength = o.jointLength;
+  p.jointDepthLimit = o.joints > 0 ? o.jointDepth : 0.0;
   p.writeToolDefaults = o.clear == "none" ? 0 : -1;
   return p;
 }
@@ -125,6 +126,12 @@ Subcommand AddMillCommand(CLI::App& app) {
       ->default_val(0)
       ->check(CLI::Range(0, 100));
   command->add_option("--joint-length", options->jointLength, "Length of a micro joint, mm")->default_val(2.0);
+  command
+      ->add_option("--joint-depth", options->jointDepth,
+                   "Material left under a micro joint, mm: passes deeper rise to it over the joints and cut "
+                   "them free after the job")
+      ->default_val(1.0)
+      ->check(CLI::NonNegativeNumber);
   return {command, [options](std::ostream& out) { return RunMill(*options, out); }};
 }
 
