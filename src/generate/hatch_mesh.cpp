@@ -198,20 +198,73 @@ void SortAndThin(std::vector<RVHATCHLINE>& lines, std::size_t oldCount, uint16_t
   lines.resize(kept);
 }
 
+/// The x of a sweep: it starts at a box's left and grows by kSweepStep in
+/// double arithmetic, one addition a step. AdvanceTo() jumps over steps and
+/// lands on exactly the x and the step count that the additions one by one
+/// would reach: between two powers of two every double is a multiple of one
+/// unit u, so each addition adds the same kSweepStep rounded to u, unless
+/// that rounding is a tie (then it steps one by one).
+class SweepX {
+ public:
+  explicit SweepX(double left) : m_x(left) {}
+  double x() const { return m_x; }
+  int64_t step() const { return m_step; }
+  void Next() {
+    m_x += kSweepStep;
+    ++m_step;
+  }
+  /// Steps on while x is below `target` and the count is below `limit`.
+  void AdvanceTo(double target, int64_t limit) {
+    while (m_x < target && m_step < limit) {
+      Next();
+      if (!(m_x < target) || m_step >= limit || !(std::fabs(m_x) >= kSmallest) || std::isinf(m_x)) continue;
+      int e = 0;
+      std::frexp(m_x, &e);  // |x| in [2^(e-1), 2^e)
+      const double u = std::ldexp(1.0, e - 53);
+      const double r = std::fmod(kSweepStep, u);
+      if (2.0 * r == u) continue;  // ties go to even: no constant step
+      const double delta = kSweepStep - r + (2.0 * r > u ? u : 0.0);
+      if (delta == 0.0) {  // x no longer moves
+        m_step = limit;
+        break;
+      }
+      // The further steps that stay below the target and, with a unit of
+      // room, inside this binade: y + delta there is the rounded sum.
+      const double edge = m_x > 0.0 ? std::ldexp(1.0, e) - u : -std::ldexp(1.0, e - 1) - u;
+      const auto inside = [&](double y) { return y < target && (m_x > 0.0 ? y <= edge : y <= edge); };
+      const double room = std::min(target, edge + u) - m_x;
+      int64_t j = std::min<int64_t>(limit - m_step, int64_t(std::max(0.0, std::min(room / delta, 1e18))));
+      while (j > 0 && !inside(m_x + double(j) * delta)) --j;
+      m_x += double(j) * delta;
+      m_step += j;
+    }
+  }
+
+ private:
+  static constexpr double kSmallest = 1e-300;
+  double m_x;
+  int64_t m_step = 0;
+};
+
 /// The sweep of steps 1 to 3, with the count of crossed edges at x given by
-/// `count(x)`.
-template <class Count>
-void SweepWith(HatchWork& work, uint16_t region, const RVRECT& box, Count&& count) {
+/// `count(x)`; `nextChange()` gives the least x at which the count can
+/// change after the last call of `count`, so that the steps before it are
+/// skipped (their count is the last one, and they add no line).
+template <class Count, class NextChange>
+void SweepWith(HatchWork& work, uint16_t region, const RVRECT& box, Count&& count, NextChange&& nextChange) {
   std::vector<RVHATCHLINE>& out = work.meshLines;
   const std::size_t oldCount = out.size();
   out.push_back(MeshLine(box.left, box, region));
-  double x = box.left;
+  SweepX x(box.left);
   std::size_t last = 0;
-  for (int64_t step = 0; x <= box.right && step < kMaxSweepSteps; ++step) {
-    const std::size_t c = count(x);
-    if (c != last) out.push_back(MeshLine(x, box, region));
-    x += kSweepStep;
+  // Past the right side the sweep ends.
+  const double beyond = std::nextafter(box.right, std::numeric_limits<double>::infinity());
+  while (x.x() <= box.right && x.step() < kMaxSweepSteps) {
+    const std::size_t c = count(x.x());
+    if (c != last) out.push_back(MeshLine(x.x(), box, region));
     last = c;
+    x.Next();
+    x.AdvanceTo(std::min(nextChange(), beyond), kMaxSweepSteps);
   }
   out.push_back(MeshLine(box.right, box, region));
   SortAndThin(out, oldCount, region);
@@ -291,21 +344,34 @@ void SweepPolyline(HatchWork& work, const std::vector<RVPOINT>& p, uint16_t regi
   std::sort(starts.begin(), starts.end());
   std::sort(ends.begin(), ends.end());
   std::size_t begun = 0, ended = 0;
-  SweepWith(work, region, box, [&](double x) {
-    while (begun < starts.size() && starts[begun] <= x) ++begun;
-    while (ended < ends.size() && ends[ended] < x) ++ended;
-    return begun - ended;
-  });
+  constexpr double kNever = std::numeric_limits<double>::infinity();
+  SweepWith(
+      work, region, box,
+      [&](double x) {
+        while (begun < starts.size() && starts[begun] <= x) ++begun;
+        while (ended < ends.size() && ends[ended] < x) ++ended;
+        return begun - ended;
+      },
+      [&] {
+        // The next edge to begin counts at its start, the next to end just
+        // beyond its end.
+        const double start = begun < starts.size() ? starts[begun] : kNever;
+        const double end = ended < ends.size() ? std::nextafter(ends[ended], kNever) : kNever;
+        return std::min(start, end);
+      });
 }
 
 void SweepPolylinePlain(HatchWork& work, const std::vector<RVPOINT>& p, uint16_t region, const RVRECT& box) {
-  SweepWith(work, region, box, [&](double x) {
-    std::size_t c = 0;
-    for (std::size_t k = 1; k < p.size(); ++k) {
-      if ((p[k - 1].x - x) * (p[k].x - x) <= 0.0) ++c;
-    }
-    return c;
-  });
+  SweepWith(
+      work, region, box,
+      [&](double x) {
+        std::size_t c = 0;
+        for (std::size_t k = 1; k < p.size(); ++k) {
+          if ((p[k - 1].x - x) * (p[k].x - x) <= 0.0) ++c;
+        }
+        return c;
+      },
+      [] { return -std::numeric_limits<double>::infinity(); });
 }
 
 // ---- boxes and cells ----

@@ -114,6 +114,22 @@ TEST(HatchMesh, FastSweepAndCellSearchAgreeWithThePlainOnes) {
     EXPECT_EQ(Xs(fast.meshLines), Xs(plain.meshLines));
     EXPECT_GT(fast.meshLines.size(), 20u);
   }
+  // The sweep jumps between the changes of its count and lands on the very
+  // x that step-by-step addition reaches: across zero, through the binade
+  // where adding the step rounds to even, and far from the origin.
+  for (double left : {-30.0, -0.5, 0.0156, 65530.0}) {
+    std::uniform_real_distribution<double> near(left, left + 40.0);
+    std::vector<RVPOINT> polyline;
+    for (int k = 0; k < 30; ++k) polyline.push_back({near(random), near(random)});
+    polyline.push_back(polyline.front());
+    rv::HatchWork fast = Work(Box(left, 0, left + 40.0, 40)), plain = fast;
+    rv::SweepPolyline(fast, polyline, 0, Box(left, 0, left + 40.0, 40));
+    rv::SweepPolylinePlain(plain, polyline, 0, Box(left, 0, left + 40.0, 40));
+    ASSERT_EQ(fast.meshLines.size(), plain.meshLines.size()) << left;
+    for (std::size_t i = 0; i < fast.meshLines.size(); ++i) {
+      EXPECT_EQ(fast.meshLines[i].x1, plain.meshLines[i].x1) << left << " line " << i;
+    }
+  }
 
   rv::HatchWork work = Work(Box(0, 0, 100, 60));
   work.info.meshWidth = 7;
