@@ -1257,7 +1257,8 @@ RV_API uint32_t RvExRIFMillingToRVL(const char* path, int16_t documentIndex, con
  *  job into the file path, truncated first; param is copied. 0x09001D01 for a
  *  bad document, 0x01000201 when the file can't be opened, 0x06001001 for a
  *  null param or a condition key whose pass can't be read, 0x08004001 for a
- *  drawing beyond the clipper's grid, 0x01000301 when the file can't be
+ *  drawing beyond the clipper's grid, 0x08000E01 for a path too long to be
+ *  turned (as RvExCLCreateHatching), 0x01000301 when the file can't be
  *  written; a failure of an art shows "JudgeArtForMilling:Error" (title
  *  "test") on the message sink. What was written and made before a failure
  *  stays. */
@@ -1511,7 +1512,9 @@ RV_API uint32_t RvExCLInitializeCutPreviewData(void);
  *  no plot info: the generators then give their lines none (number 0, empty
  *  text). 0x09001D01 for a bad document, 0x03001001 without
  *  "CLTempFileLayer", 0x06001001 for a null param or a key that names no
- *  media. */
+ *  media, 0x08000E01 when a path is too long for the judgment that turns
+ *  holes against outlines (more than a million points of 2 mm: a drawing
+ *  of kilometres, beyond the clipper's grid anyway). */
 RV_API uint32_t RvExCLCreateHatching(uint16_t documentIndex, const RVPLOTPARAM* param);
 /* Both generators read the layer "Rivlen_HatchingWorkLayer" of the active
  * document, which the host fills with the shapes: closed paths (or
