@@ -231,7 +231,7 @@ class SweepX {
       // The further steps that stay below the target and, with a unit of
       // room, inside this binade: y + delta there is the rounded sum.
       const double edge = m_x > 0.0 ? std::ldexp(1.0, e) - u : -std::ldexp(1.0, e - 1) - u;
-      const auto inside = [&](double y) { return y < target && (m_x > 0.0 ? y <= edge : y <= edge); };
+      const auto inside = [&](double y) { return y < target && y <= edge; };
       const double room = std::min(target, edge + u) - m_x;
       int64_t j = std::min<int64_t>(limit - m_step, int64_t(std::max(0.0, std::min(room / delta, 1e18))));
       while (j > 0 && !inside(m_x + double(j) * delta)) --j;

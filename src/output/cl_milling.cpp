@@ -20,6 +20,7 @@
 #include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "generate/cl_router.h"
+#include "generate/work_layer.h"
 #include "model/data_access.h"
 #include "model/refmap.h"
 #include "output/placement.h"
@@ -41,21 +42,6 @@ constexpr int32_t kWriteClearing = -1;
 constexpr const char* kContourLineLayer = "Rivlen_ContourPathLayer";
 constexpr const char* kHatchingLineLayer = "Rivlen_HatchingPathLayer";
 
-/// The number of paths that the writer mills of a base layer: its paths and
-/// its compounds' paths.
-int32_t PathCount(CRvArt* layer) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
-  int32_t count = 0;
-  for (CRvArt* a = store.GetArtFirstChild(layer); a != nullptr; a = store.GetArtSibling(a)) {
-    if (a->GetType() == kArtPath) ++count;
-    if (a->GetType() != kArtCompound) continue;
-    for (CRvArt* p = store.GetArtFirstChild(a); p != nullptr; p = store.GetArtSibling(p)) {
-      if (p->GetType() == kArtPath) ++count;
-    }
-  }
-  return count;
-}
-
 /// Cuts a coordinate to two decimals, downward.
 double Hundredths(double v) { return std::floor(v * 100.0) / 100.0; }
 
@@ -75,7 +61,6 @@ class CRvCLMillingWriter : public CRvRVLFormat {
     SetPlacement(OutputFlip(param, RVRECT{}), RVRECT{});
     m_mapArtMatrix = false;
     m_conditionDialect = kCLDialect;
-    m_jointDepthHeld = true;
     m_jointDepthFloor = kCLJointDepthFloor;
     m_millingMessage = kCLMillingMessage;
     SetOffsetMaker(this, &RouterOffset);
@@ -124,7 +109,8 @@ void CRvCLMillingWriter::Run() {
   if (m_param.plotterClass == 0) {
     CRvCLRouter::Instance().BaseStep(m_param);
     RefMapStore& maps = RefMapStore::Instance();
-    if (CRvLayer* base = store.GetLayerFromName(kRouterBaseLayer)) m_artTotal = PathCount(base);
+    // Progress counts the paths of the base layer, compounds entered.
+    ForEachLayerPath(store.GetLayerFromName(kRouterBaseLayer), [&](CRvArt*) { ++m_artTotal; });
     const int16_t first = int16_t(maps.routerOffsetSIndex), last = int16_t(maps.routerOffsetEIndex);
     for (int16_t map = first; map <= last && map >= 0; ++map) {
       maps.Trace(map, 0, true, [&](CRvArt* art, void*) { return MillingWriter(art); });
@@ -138,7 +124,7 @@ void CRvCLMillingWriter::Run() {
           const MillingCondition c = ReadMillingCondition(key, 1);
           if (c.milling.hasMilling != 0) m_clearingMilling = c.milling.Milling;
         }
-        // The clearing lines are open paths: milled as they stand.
+        // Their curves go through the clearing path writer.
         m_clearing = true;
         for (CRvArt* art = store.GetArtFirstChild(layer); art != nullptr; art = store.GetArtSibling(art)) {
           Check(MillingWriter(art));

@@ -164,9 +164,9 @@ void CRvRVLFormat::WriteJointBlock(const std::string& key, int32_t pass) {
   if (milling.hasCuttingDepth != 0) {
     const double depth = cond.Thickness - milling.CuttingDepth;
     int32_t word = 0;
-    if (m_jointDepthHeld) {
+    if (m_jointDepthFloor) {
       // Cut free a little below the sheet, but never deeper than the floor.
-      const double held = std::max(m_jointDepthFloor, depth);
+      const double held = std::max(*m_jointDepthFloor, depth);
       word = downward ? DownwardTenths(held) : Tenths(held);
     } else {
       // The joint is cut at the full depth of its pass, not held at 0.

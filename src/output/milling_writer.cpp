@@ -15,6 +15,7 @@
 #include "formats/file_frame.h"
 #include "frame/error_codes.h"
 #include "frame/frame.h"
+#include "generate/work_layer.h"
 #include "model/data_access.h"
 #include "output/rvl_format.h"
 
@@ -153,13 +154,7 @@ void CRvRVLFormat::MillPaths(CRvArt* current, int32_t pass, bool closed, Milling
     const auto& children = static_cast<CRvContainerArt*>(current)->m_children.items();
     paths.assign(children.begin(), children.end());
   } else if (current->GetType() == kArtLayer) {
-    for (CRvArt* a : static_cast<CRvContainerArt*>(current)->m_children.items()) {
-      if (a->GetType() == kArtPath) paths.push_back(a);
-      if (a->GetType() != kArtCompound) continue;
-      for (CRvArt* p : static_cast<CRvContainerArt*>(a)->m_children.items()) {
-        if (p->GetType() == kArtPath) paths.push_back(p);
-      }
-    }
+    ForEachLayerPath(current, [&](CRvArt* path) { paths.push_back(path); });
   } else {
     paths.push_back(current);
   }

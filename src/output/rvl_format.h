@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -208,11 +209,10 @@ class CRvRVLFormat : public CRvFormatStrategy {
   }
   /// Whether milled records are mapped by their path's art matrix.
   bool m_mapArtMatrix = true;
-  /// With m_jointDepthHeld, the joint writer cuts at Thickness -
-  /// CuttingDepth held at m_jointDepthFloor or above; without, at the
-  /// depth of the joint rows of the milling job.
-  bool m_jointDepthHeld = false;
-  double m_jointDepthFloor = 0.0;
+  /// With a value, the joint writer cuts at Thickness - CuttingDepth held
+  /// at this depth or above; without, at the depth of the joint rows of the
+  /// milling job.
+  std::optional<double> m_jointDepthFloor;
   /// The message that a failing milling or joint writer shows.
   const char* m_millingMessage = kMillingMessage;
   /// Where the tool stands after the last milled component: the start of a
