@@ -2,9 +2,10 @@
 // numbered layer 1 of a job), then the router's clearing and the CL milling
 // export of that job with joints, then the same bytes as the plot file of a cut preview.
 // The content of a file never fails the import (0, or 1 when nothing is
-// drawn); the route fails only for a drawing beyond the clipper's grid; the
-// preview of what was drawn never fails and its counts agree with its
-// passes; nothing may crash, hang or leak.
+// drawn); the route fails only for a drawing beyond the clipper's grid or a
+// path of kilometres; the preview fails only for curves too large to
+// flatten, and its counts agree with its passes; nothing may crash, hang or
+// leak.
 #include <unistd.h>
 
 #include <cstddef>
@@ -88,21 +89,34 @@ void RunRoute(int16_t index, const std::string& output, int16_t dialect) {
   }
 }
 
+/// A preview call that must succeed; says which failed and with what.
+void RequireCall(const char* name, uint32_t code) {
+  if (code == 0) return;
+  std::fprintf(stderr, "%s failed: 0x%08X\n", name, code);
+  std::abort();
+}
+
 /// The preview of the plot layer of the active document `index`.
 void RunPreview(int16_t index) {
-  Require(RvExCLConvertToBezierArt() == 0);
-  Require(RvExCLSetCutPreviewMatrix(2, 400.0, 300.0) == 0);
-  Require(RvExCLMakeCutPreviewData(uint16_t(index)) == 0);
+  RequireCall("RvExCLConvertToBezierArt", RvExCLConvertToBezierArt());
+  RequireCall("RvExCLSetCutPreviewMatrix", RvExCLSetCutPreviewMatrix(2, 400.0, 300.0));
+  // A path that the matrix leaves kilometres long has curves too large to
+  // flatten; the passes made before it stay and are checked below.
+  const uint32_t made = RvExCLMakeCutPreviewData(uint16_t(index));
+  if (made != 0x08000E01u) RequireCall("RvExCLMakeCutPreviewData", made);
   int32_t passCount = -1, pointCount = -1;
-  Require(RvExCLGetCutPreviewDataCount(&passCount, &pointCount) == 0);
+  RequireCall("RvExCLGetCutPreviewDataCount", RvExCLGetCutPreviewDataCount(&passCount, &pointCount));
   std::vector<RVCUTPREVIEWPASS> passes(static_cast<std::size_t>(passCount));
-  Require(RvExCLGetCutPreviewData(passes.data()) == 0);
+  RequireCall("RvExCLGetCutPreviewData", RvExCLGetCutPreviewData(passes.data()));
   long total = 0;
   for (const RVCUTPREVIEWPASS& pass : passes) total += pass.pointCount;
-  Require(total == pointCount);
+  if (total != pointCount) {
+    std::fprintf(stderr, "preview passes hold %ld points, the count says %d\n", total, pointCount);
+    std::abort();
+  }
   std::vector<RVPOINT> points(static_cast<std::size_t>(pointCount));
-  Require(RvExCLGetCutPreviewPointData(points.data()) == 0);
-  Require(RvExCLInitializeCutPreviewData() == 0);
+  RequireCall("RvExCLGetCutPreviewPointData", RvExCLGetCutPreviewPointData(points.data()));
+  RequireCall("RvExCLInitializeCutPreviewData", RvExCLInitializeCutPreviewData());
 }
 
 }  // namespace
