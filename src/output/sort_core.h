@@ -8,9 +8,11 @@
 #include <climits>
 #include <optional>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "geometry/affine.h"
+#include "output/bounds_index.h"
 #include "output/int_rect.h"
 #include "output/start_tree.h"
 
@@ -179,62 +181,28 @@ IntRect IntegerBox(const RVRECT& bounds);
 /// lie in A, changes places with a, and A is taken anew from the new a; the
 /// walk over b goes on from there. report(indexOfA) runs after each a and
 /// may raise. `boxes` holds the box of each entry and is permuted with the
-/// entries. The result is that of the plain double loop; runs of later
-/// entries whose common box can't meet A are passed over whole.
+/// entries. The result is that of the plain double loop; the next b is found
+/// through a BoundsIndex.
 template <class Report>
 void RefineByBounds(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& boxes, Report&& report) {
   const std::size_t n = entries.size();
   if (n < 2) return;
-  constexpr std::size_t kChunk = 64;
-  const std::size_t chunks = (n + kChunk - 1) / kChunk;
-  // Conservative common box of each chunk: only ever grown, so a chunk that
-  // it rules out really holds no candidate.
-  std::vector<IntRect> summary(chunks);
-  auto grow = [&](std::size_t k) {  // the box of k into its chunk's
-    IntRect& s = summary[k / kChunk];
-    s.left = std::min(s.left, boxes[k].left);
-    s.top = std::min(s.top, boxes[k].top);
-    s.right = std::max(s.right, boxes[k].right);
-    s.bottom = std::max(s.bottom, boxes[k].bottom);
-  };
-  for (std::size_t k = 0; k < n; ++k) {
-    if (k % kChunk == 0) {
-      summary[k / kChunk] = boxes[k];
-    } else {
-      grow(k);
-    }
-  }
-  auto inflated = [](IntRect r) {  // saturating at the 32-bit limits
+  std::vector<double> values(n);
+  for (std::size_t k = 0; k < n; ++k) values[k] = entries[k].value;
+  BoundsIndex index(boxes, std::move(values));
+  auto grown = [](IntRect r) {  // saturating at the 32-bit limits
     if (r.top > INT32_MIN) r.top -= 1;
     if (r.right < INT32_MAX) r.right += 1;
     return r;
   };
-  // Both conditions need B.left < A.right, B.right >= A.left, B.top < A.bottom
-  // and B.bottom >= A.top.
-  auto mayMeet = [](const IntRect& a, const IntRect& s) {
-    return s.left < a.right && s.right >= a.left && s.top < a.bottom && s.bottom >= a.top;
-  };
   for (std::size_t i = 0; i + 1 < n; ++i) {
-    IntRect a = inflated(boxes[i]);
-    std::size_t j = i + 1;
-    while (j < n) {
-      if (j % kChunk == 0 && !mayMeet(a, summary[j / kChunk])) {
-        j += kChunk;
-        continue;
-      }
-      const IntRect& b = boxes[j];
-      IntRect common;
-      const bool meets = IntersectRect(common, a, b) && entries[j].value < entries[i].value;
-      const bool within = meets || (PtInRect(a, b.left, b.top) && PtInRect(a, b.right, b.top) &&
-                                    PtInRect(a, b.left, b.bottom) && PtInRect(a, b.right, b.bottom));
-      if (within) {
-        std::swap(entries[i], entries[j]);
-        std::swap(boxes[i], boxes[j]);
-        grow(i);
-        grow(j);
-        a = inflated(boxes[i]);
-      }
-      ++j;
+    IntRect a = grown(boxes[i]);
+    for (std::size_t j = index.FirstFrom(i + 1, a, entries[i].value); j < n;
+         j = index.FirstFrom(j + 1, a, entries[i].value)) {
+      std::swap(entries[i], entries[j]);
+      std::swap(boxes[i], boxes[j]);
+      index.Exchange(i, j);
+      a = grown(boxes[i]);
     }
     report(i);
   }

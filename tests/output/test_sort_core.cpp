@@ -109,7 +109,9 @@ TEST(SortCore, IntegerBoxesRoundAndOrder) {
 void PlainByBounds(std::vector<rv::RVSORTENTRY>& e, std::vector<rv::IntRect>& boxes) {
   for (std::size_t i = 0; i + 1 < e.size(); ++i) {
     for (std::size_t j = i + 1; j < e.size(); ++j) {
-      const rv::IntRect a{boxes[i].left, boxes[i].top - 1, boxes[i].right + 1, boxes[i].bottom};
+      // Grown by one unit up and right, held at the 32-bit limits.
+      const rv::IntRect a{boxes[i].left, std::max(boxes[i].top, INT32_MIN + 1) - 1,
+                          std::min(boxes[i].right, INT32_MAX - 1) + 1, boxes[i].bottom};
       const rv::IntRect& b = boxes[j];
       rv::IntRect c;
       const bool swap = (rv::IntersectRect(c, a, b) && e[j].value < e[i].value) ||
@@ -160,7 +162,9 @@ TEST(SortCore, BoundsRefinementGivesTheOrderOfThePlainDoubleLoop) {
   std::mt19937 gen(7);
   for (int round = 0; round < 30; ++round) {
     const int n = 50 + round * 37;
-    std::uniform_int_distribution<int> pos(0, 400 + round * 20), size(0, round % 3 == 0 ? 120 : 25);
+    // Every fourth round in one small block, where boxes pile up.
+    std::uniform_int_distribution<int> pos(0, round % 4 == 3 ? 12 : 400 + round * 20),
+        size(0, round % 3 == 0 ? 120 : 25);
     std::vector<rv::IntRect> boxes;
     for (int i = 0; i < n; ++i) {
       const int x = pos(gen), y = pos(gen);
@@ -172,7 +176,15 @@ TEST(SortCore, BoundsRefinementGivesTheOrderOfThePlainDoubleLoop) {
         return a.top / 50 * 100 + a.left / 50 < b.top / 50 * 100 + b.left / 50;
       });
     }
+    // Near the 32-bit limits on some rounds, where the growth saturates.
+    if (round % 5 == 4) {
+      for (rv::IntRect& b : boxes) b.right = INT32_MAX - (b.right % 3), b.top = INT32_MIN + (b.top % 3);
+    }
     auto e = WithBoxes(boxes);
+    // Values that never compare below another: NaN.
+    if (round % 3 == 1) {
+      for (std::size_t k = 0; k < e.size(); k += 7) e[k].value = std::nan("");
+    }
     auto plain = e;
     auto plainBoxes = boxes;
     PlainByBounds(plain, plainBoxes);

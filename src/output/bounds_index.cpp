@@ -1,0 +1,121 @@
+#include "output/bounds_index.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
+
+namespace rv {
+
+bool ExchangesWith(const IntRect& a, double va, const IntRect& b, double vb) {
+  IntRect common;
+  if (IntersectRect(common, a, b) && vb < va) return true;
+  return PtInRect(a, b.left, b.top) && PtInRect(a, b.right, b.top) && PtInRect(a, b.left, b.bottom) &&
+         PtInRect(a, b.right, b.bottom);
+}
+
+BoundsIndex::Node BoundsIndex::Empty() {
+  constexpr int32_t lo = std::numeric_limits<int32_t>::min(), hi = std::numeric_limits<int32_t>::max();
+  return Node{hi, lo, hi, lo, hi, lo, hi, lo, std::numeric_limits<double>::infinity(), 0};
+}
+
+BoundsIndex::BoundsIndex(std::vector<IntRect> boxes, std::vector<double> values)
+    : m_boxes(std::move(boxes)), m_values(std::move(values)) {
+  const std::size_t n = m_boxes.size();
+  // Both tests need a point of b in a's box, so the cells of b are those of
+  // its extent, taken over both orders of its sides.
+  if (n != 0) {
+    int64_t x0 = std::numeric_limits<int64_t>::max(), y0 = x0, x1 = std::numeric_limits<int64_t>::min(), y1 = x1;
+    for (const IntRect& b : m_boxes) {
+      x0 = std::min<int64_t>(x0, std::min(b.left, b.right));
+      x1 = std::max<int64_t>(x1, std::max(b.left, b.right));
+      y0 = std::min<int64_t>(y0, std::min(b.top, b.bottom));
+      y1 = std::max<int64_t>(y1, std::max(b.top, b.bottom));
+    }
+    m_x0 = x0, m_y0 = y0, m_width = x1 - x0 + 1, m_height = y1 - y0 + 1;
+  }
+  while (m_leaves < n) m_leaves *= 2;
+  m_nodes.assign(2 * m_leaves, Empty());
+  for (std::size_t k = 0; k < n; ++k) m_nodes[m_leaves + k] = Leaf(k);
+  for (std::size_t k = m_leaves - 1; k >= 1; --k) Join(m_nodes[k], m_nodes[2 * k], m_nodes[2 * k + 1]);
+}
+
+uint64_t BoundsIndex::CellsOf(int64_t x0, int64_t x1, int64_t y0, int64_t y1) const {
+  // Monotone in x and y, so a point in two ranges has its cell in both maps.
+  auto cell = [](int64_t v, int64_t origin, int64_t extent) {
+    if (v <= origin) return int64_t{0};
+    const int64_t c = (v - origin) * 8 / extent;
+    return c > 7 ? int64_t{7} : c;
+  };
+  const int64_t c0 = cell(x0, m_x0, m_width), c1 = cell(x1, m_x0, m_width);
+  const uint64_t row = (uint64_t{0xFF} >> (7 - (c1 - c0))) << c0;
+  uint64_t cells = 0;
+  for (int64_t r = cell(y0, m_y0, m_height), r1 = cell(y1, m_y0, m_height); r <= r1; ++r) cells |= row << (8 * r);
+  return cells;
+}
+
+BoundsIndex::Node BoundsIndex::Leaf(std::size_t position) const {
+  const IntRect& b = m_boxes[position];
+  const double value = m_values[position];
+  Node n{b.left, b.left, b.right, b.right, b.top, b.top, b.bottom, b.bottom,
+         std::isnan(value) ? std::numeric_limits<double>::infinity() : value, 0};
+  n.cells = CellsOf(std::min(b.left, b.right), std::max(b.left, b.right), std::min(b.top, b.bottom),
+                    std::max(b.top, b.bottom));
+  return n;
+}
+
+void BoundsIndex::Join(Node& out, const Node& l, const Node& r) {
+  out.minLeft = std::min(l.minLeft, r.minLeft), out.maxLeft = std::max(l.maxLeft, r.maxLeft);
+  out.minRight = std::min(l.minRight, r.minRight), out.maxRight = std::max(l.maxRight, r.maxRight);
+  out.minTop = std::min(l.minTop, r.minTop), out.maxTop = std::max(l.maxTop, r.maxTop);
+  out.minBottom = std::min(l.minBottom, r.minBottom), out.maxBottom = std::max(l.maxBottom, r.maxBottom);
+  out.minValue = std::min(l.minValue, r.minValue);
+  out.cells = l.cells | r.cells;
+}
+
+void BoundsIndex::Exchange(std::size_t i, std::size_t j) {
+  std::swap(m_boxes[i], m_boxes[j]);
+  std::swap(m_values[i], m_values[j]);
+  // Searches start after i only, so only j's leaf and its ancestors change.
+  std::size_t node = m_leaves + j;
+  m_nodes[node] = Leaf(j);
+  for (node /= 2; node >= 1; node /= 2) Join(m_nodes[node], m_nodes[2 * node], m_nodes[2 * node + 1]);
+}
+
+bool BoundsIndex::MayHold(const Node& n, const IntRect& a, double va, uint64_t cells) const {
+  if ((n.cells & cells) == 0) return false;
+  // Meeting with a smaller value: some left below a's right, some right
+  // beyond a's left, the same in y, and some value below va.
+  const bool meets = n.minValue < va && n.minLeft < a.right && n.maxRight > a.left && n.minTop < a.bottom &&
+                     n.maxBottom > a.top;
+  // Lying in a: every side of some box within a's half-open ranges.
+  const bool within = n.maxLeft >= a.left && n.minLeft < a.right && n.maxRight >= a.left && n.minRight < a.right &&
+                      n.maxTop >= a.top && n.minTop < a.bottom && n.maxBottom >= a.top && n.minBottom < a.bottom;
+  return meets || within;
+}
+
+std::size_t BoundsIndex::FirstFrom(std::size_t from, const IntRect& a, double va) const {
+  // Both tests need a point of b in a, and a has none when it is empty.
+  const std::size_t none = size();
+  if (from >= none || a.right <= a.left || a.bottom <= a.top) return none;
+  const uint64_t cells = CellsOf(a.left, int64_t(a.right) - 1, a.top, int64_t(a.bottom) - 1);
+  // From the leaf of `from` rightward: a node that may hold an answer is
+  // entered at its left child, any other is passed by moving to the next
+  // subtree on the right (up while it is a right child, then across).
+  std::size_t node = m_leaves + from;
+  for (;;) {
+    if (MayHold(m_nodes[node], a, va, cells)) {
+      if (node < m_leaves) {
+        node *= 2;
+        continue;
+      }
+      const std::size_t k = node - m_leaves;
+      if (ExchangesWith(a, va, m_boxes[k], m_values[k])) return k;
+    }
+    while (node & 1) node /= 2;
+    if (node == 0) return none;
+    ++node;
+  }
+}
+
+}  // namespace rv
