@@ -26,26 +26,45 @@ void CRvPlotImportDriver::End() {
 }
 
 void CRvPlotImportDriver::Import(CRvFormatStrategy& format, double scale) {
-  std::FILE* file = format.File();
-  uint8_t head[15];
-  const std::size_t got = file != nullptr ? std::fread(head, 1, sizeof head, file) : 0;
-  Begin(scale, head, got);
-  Check(format.SeekFromStart(0));
-  file = format.File();
-  // One buffer per import; the bytes go through the interpreter one by one.
-  std::vector<uint8_t> buffer(std::size_t(1) << 16);
-  for (;;) {
-    const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), file);
-    if (n == 0) break;
-    m_interpreter.Feed(buffer.data(), n);
-  }
-  End();
+  SettledRun([&] {
+    std::FILE* file = format.File();
+    uint8_t head[15];
+    const std::size_t got = file != nullptr ? std::fread(head, 1, sizeof head, file) : 0;
+    Begin(scale, head, got);
+    Check(format.SeekFromStart(0));
+    file = format.File();
+    // One buffer per import; the bytes go through the interpreter one by one.
+    std::vector<uint8_t> buffer(std::size_t(1) << 16);
+    for (;;) {
+      const std::size_t n = std::fread(buffer.data(), 1, buffer.size(), file);
+      if (n == 0) break;
+      m_interpreter.Feed(buffer.data(), n);
+    }
+    End();
+  });
 }
 
 void CRvPlotImportDriver::ImportBytes(const uint8_t* bytes, std::size_t count, double scale) {
-  Begin(scale, bytes, std::min<std::size_t>(count, 15));
-  if (count != 0) m_interpreter.Feed(bytes, count);
-  End();
+  SettledRun([&] {
+    Begin(scale, bytes, std::min<std::size_t>(count, 15));
+    if (count != 0) m_interpreter.Feed(bytes, count);
+    End();
+  });
+}
+
+template <class Run>
+void CRvPlotImportDriver::SettledRun(Run&& run) {
+  try {
+    run();
+  } catch (...) {
+    // The failure is what the caller hears of; points that can't be kept
+    // any more are dropped.
+    try {
+      m_builder->Settle();
+    } catch (...) {
+    }
+    throw;
+  }
 }
 
 PlotPathValues CRvPlotImportDriver::Values() const {

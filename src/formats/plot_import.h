@@ -43,6 +43,9 @@ class CRvPlotBuilder {
   /// Finishes the path under construction. `endOfFile` is set for the call
   /// after the last byte, which raises the bare value 1 when no path exists.
   virtual void FinishPath(int16_t lastKind, const PlotPathValues& values, bool endOfFile) = 0;
+  /// Puts whatever the builder holds back into the drawing. Runs when a run
+  /// fails, so that the drawing keeps every move made before the failure.
+  virtual void Settle() {}
 };
 
 class CRvPlotImportDriver : public CRvPlotSink {
@@ -64,6 +67,9 @@ class CRvPlotImportDriver : public CRvPlotSink {
   CRvPlotBuilder& Builder() { return *m_builder; }
 
  private:
+  /// Runs `run`; when it fails, lets the builder settle first.
+  template <class Run>
+  void SettledRun(Run&& run);
   void Begin(double scale, const uint8_t* head, std::size_t count);
   void End();
   PlotPathValues Values() const;

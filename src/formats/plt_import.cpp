@@ -20,7 +20,14 @@ constexpr double kCloseTolerance = 0.1;  // document units, whatever the scale
 // The drawing builder
 // ---------------------------------------------------------------------------
 
+void CRvPLTImportData::Settle() {
+  if (m_held.empty()) return;
+  static_cast<CRvBezier*>(m_currentBezier)->AppendPoints(m_held.data(), m_held.size());
+  m_held.clear();
+}
+
 void CRvPLTImportData::OpenPath(int16_t componentType, const RVPOINT& start) {
+  Settle();
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvLayer* layer = store.GetLayer(0);
   m_currentPath = store.CreateArt(kArtPath, kLastChild, layer);
@@ -31,6 +38,7 @@ void CRvPLTImportData::OpenPath(int16_t componentType, const RVPOINT& start) {
 }
 
 void CRvPLTImportData::NewComponent(int16_t componentType) {
+  Settle();
   CRvArt* component = CRvDataAccess::Instance().CreateArt(componentType, kLastChild, m_currentPath);
   if (componentType == kArtBezier) {
     m_currentBezier = component;
@@ -42,7 +50,7 @@ void CRvPLTImportData::NewComponent(int16_t componentType) {
 void CRvPLTImportData::AppendAnchor(const RVPOINT& point) {
   RVBEZIERPOINT p{};
   p.anchor = p.in = p.out = point;
-  CRvDataAccess::Instance().AddBezierPoint(m_currentBezier, p);
+  m_held.push_back(p);
   m_pathEnd = point;
 }
 
@@ -82,6 +90,7 @@ void CRvPLTImportData::AddArc(const RVARCPOINT& arc, int16_t lastPen, int16_t la
 
 void CRvPLTImportData::FinishPath(int16_t lastKind, const PlotPathValues& values, bool endOfFile) {
   if (m_currentPath == nullptr) Raise(kNothingMade);  // the file draws nothing
+  Settle();
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* path = m_currentPath;
   const RVCOLOR black{nullptr, 1, {0, 0, 0, 0}};

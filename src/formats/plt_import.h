@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "formats/file_frame.h"
 #include "formats/plot_import.h"
@@ -26,6 +27,9 @@ class CRvPLTImportData : public CRvPlotBuilder {
                const PlotPathValues& values) override;
   void AddArc(const RVARCPOINT& arc, int16_t lastPen, int16_t lastKind) override;
   void FinishPath(int16_t lastKind, const PlotPathValues& values, bool endOfFile) override;
+  /// The points of a line list are held back and go into the Bezier in one
+  /// piece, of its exact size, when the component or the path ends.
+  void Settle() override;
 
  protected:
   /// Whether FinishPath sets the path element values (always, here).
@@ -40,6 +44,7 @@ class CRvPLTImportData : public CRvPlotBuilder {
   CRvArt* m_currentArc = nullptr;
   RVPOINT m_pathStart{};
   RVPOINT m_pathEnd{};
+  std::vector<RVBEZIERPOINT> m_held;  // points of m_currentBezier not yet in it
 };
 
 /// The import driver of PLT files: the interpreter with a CRvPLTImportData.

@@ -67,8 +67,9 @@ PlotInfo& CRvArt::EnsurePlotInfo() {
 }
 
 const std::string& CRvArt::GetTag(const std::string& key) const {
-  auto it = m_tags.find(key);
-  if (it == m_tags.end()) Raise(kErrNoTag);
+  if (!m_tags) Raise(kErrNoTag);
+  auto it = m_tags->find(key);
+  if (it == m_tags->end()) Raise(kErrNoTag);
   return it->second;
 }
 

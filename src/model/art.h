@@ -139,16 +139,20 @@ class CRvArt {
   const PlotInfo* GetPlotInfo() const { return m_attr ? m_attr->plotInfo.get() : nullptr; }
 
   // ---- tags ----
-  void SetTag(const std::string& key, const std::string& value) { m_tags[key] = value; }
+  void SetTag(const std::string& key, const std::string& value) {
+    if (!m_tags) m_tags = std::make_unique<std::map<std::string, std::string>>();
+    (*m_tags)[key] = value;
+  }
   /// The value of `key`; raises 0x06001A01 when there is no such tag.
   const std::string& GetTag(const std::string& key) const;
-  bool HasTag(const std::string& key) const { return m_tags.count(key) != 0; }
+  bool HasTag(const std::string& key) const { return m_tags && m_tags->count(key) != 0; }
 
   CRvArt* m_parent = nullptr;
   RVRECT m_bounds{};
   RVRIFMATRIX m_matrix;
   std::unique_ptr<PathAttr> m_attr;
-  std::map<std::string, std::string> m_tags;  // bytewise key order
+  // Made at the first tag, as most arts have none; bytewise key order.
+  std::unique_ptr<std::map<std::string, std::string>> m_tags;
   int m_attrOwned = 0;
 
   // Where the art was linked last: the container and the list position. The
@@ -292,6 +296,11 @@ class CRvBezier : public CRvPathComponent {
   int32_t GetPointCount() const override { return int32_t(m_points.size()); }
 
   void AddPoint(const RVBEZIERPOINT& p) { m_points.push_back(p); }
+  /// Appends n points, growing the array to exactly its new size.
+  void AppendPoints(const RVBEZIERPOINT* p, std::size_t n) {
+    if (m_points.capacity() - m_points.size() < n) m_points.reserve(m_points.size() + n);
+    m_points.insert(m_points.end(), p, p + n);
+  }
   /// Inserts before index i; i of 0 or less inserts at the front, i at or
   /// past the count appends.
   void InsertPoint(int32_t i, const RVBEZIERPOINT& p);
