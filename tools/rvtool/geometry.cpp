@@ -33,6 +33,14 @@ void AppendBezier(void* component, double flatness, std::vector<RVPOINT>& out) {
   CheckRead(RvGiGetPathSegmentCount(component, &count));
   std::vector<RVBEZIERPOINT> points(static_cast<std::size_t>(std::max(count, 0)));
   for (int32_t i = 0; i < count; ++i) CheckRead(RvGiGetBezierPoint(component, i, &points[i]));
+  // Handles on their anchors everywhere: each curve is its own chord.
+  const bool straight = std::all_of(points.begin(), points.end(), [](const RVBEZIERPOINT& p) {
+    return p.in.x == p.anchor.x && p.in.y == p.anchor.y && p.out.x == p.anchor.x && p.out.y == p.anchor.y;
+  });
+  if (straight) {
+    for (const RVBEZIERPOINT& p : points) Append(out, p.anchor);
+    return;
+  }
   AppendCurves(points, flatness, out);
 }
 
