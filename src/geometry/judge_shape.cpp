@@ -18,9 +18,13 @@ constexpr double kNearSine2 = kNearSine * kNearSine;
 
 template <class F>
 void NestingShape::ForEachEdge(F&& f) const {
-  const auto& pts = m_line.points;
+  ForEachEdgeAt([&](std::size_t k) { f(m_line.points[k], m_line.points[k + 1]); });
+}
+
+template <class F>
+void NestingShape::ForEachEdgeAt(F&& f) const {
   for (std::size_t list = 0; list < m_line.ListCount(); ++list) {
-    for (std::size_t k = m_line.ListBegin(list); k + 1 < m_line.ends[list]; ++k) f(pts[k], pts[k + 1]);
+    for (std::size_t k = m_line.ListBegin(list); k + 1 < m_line.ends[list]; ++k) f(k);
   }
 }
 
@@ -54,11 +58,13 @@ NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
   // Outside the box by more than this, every edge is seen under an angle
   // well away from +-pi, so the angle sum is 0 up to rounding.
   m_margin = 1e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom));
-  if (!std::isfinite(m_margin) || m_edgeCount >= std::numeric_limits<uint32_t>::max() / 16) {
+  if (!std::isfinite(m_margin) || m_edgeCount >= std::numeric_limits<uint32_t>::max() / 16 ||
+      pts.size() >= std::numeric_limits<uint32_t>::max()) {
     m_finite = false;  // the plain sum serves
     return;
   }
-  MakeBands();
+  // The bands are made when the shape is first asked about a point: most
+  // shapes of a drawing never hold another's probes.
 }
 
 std::size_t NestingShape::BandOf(double y) const {
@@ -68,7 +74,7 @@ std::size_t NestingShape::BandOf(double y) const {
   return k >= double(bands - 1) ? bands - 1 : std::size_t(k);
 }
 
-void NestingShape::MakeBands() {
+void NestingShape::MakeBands() const {
   const double height = m_box.top - m_box.bottom;
   // An edge belongs to every band that its height touches, widened by far
   // more than the distance at which a point counts as near it; so a point's
@@ -104,24 +110,28 @@ void NestingShape::MakeBands() {
   for (std::size_t k = 0; k < bands; ++k) m_bandStart[k + 1] += m_bandStart[k];
   m_bandEdges.resize(m_bandStart[bands]);
   std::vector<uint32_t> fill(m_bandStart.begin(), m_bandStart.end() - 1);
-  ForEachEdge([&](const RVPOINT& a, const RVPOINT& b) {
-    const auto [low, high] = range(a, b);
-    for (std::size_t k = low; k <= high; ++k) m_bandEdges[fill[k]++] = Edge{a, b};
+  const auto& pts = m_line.points;
+  ForEachEdgeAt([&](std::size_t e) {
+    const auto [low, high] = range(pts[e], pts[e + 1]);
+    for (std::size_t k = low; k <= high; ++k) m_bandEdges[fill[k]++] = uint32_t(e);
   });
 }
 
 int NestingShape::CrossingInside(const RVPOINT& q) const {
+  if (m_bandStart.empty()) MakeBands();
   int winding = 0;
   const std::size_t band = BandOf(q.y);
-  const Edge* edge = m_bandEdges.data() + m_bandStart[band];
-  const Edge* end = m_bandEdges.data() + m_bandStart[band + 1];
+  const RVPOINT* pts = m_line.points.data();
+  const uint32_t* edge = m_bandEdges.data() + m_bandStart[band];
+  const uint32_t* end = m_bandEdges.data() + m_bandStart[band + 1];
   for (; edge != end; ++edge) {
-    const Edge& e = *edge;
-    const double ux = e.a.x - q.x, uy = e.a.y - q.y;
-    const double vx = e.b.x - q.x, vy = e.b.y - q.y;
+    const RVPOINT& a = pts[*edge];
+    const RVPOINT& b = pts[*edge + 1];
+    const double ux = a.x - q.x, uy = a.y - q.y;
+    const double vx = b.x - q.x, vy = b.y - q.y;
     const double cross = ux * vy - uy * vx;
-    const bool upFrom = e.a.y <= q.y;
-    const bool straddles = upFrom != (e.b.y <= q.y);
+    const bool upFrom = a.y <= q.y;
+    const bool straddles = upFrom != (b.y <= q.y);
     const double uu = ux * ux + uy * uy, vv = vx * vx + vy * vy;
     if (!(cross * cross > kNearSine2 * uu * vv)) {
       // Nearly in line with the point. Harmless only when the edge is seen

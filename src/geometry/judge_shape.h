@@ -44,9 +44,6 @@ class NestingShape {
   PlainBox Probes() const { return m_probeBox; }
 
  private:
-  struct Edge {
-    RVPOINT a, b;
-  };
   using Box = PlainBox;
   /// -1 when the crossing count can't be trusted for q, else 0 or 1.
   int CrossingInside(const RVPOINT& q) const;
@@ -57,16 +54,19 @@ class NestingShape {
   Box m_box;                     // of all points
   double m_margin = 0;           // a point this far outside the box is surely outside
   Box m_probeBox;                // of the points that the path test asks about
-  // Horizontal bands over the box: band k holds copies of its edges in
+  // Horizontal bands over the box, made at the first point asked about:
+  // band k holds its edges, each as the index of its first point, in
   // m_bandEdges[m_bandStart[k] .. m_bandStart[k + 1]).
-  double m_bandHeight = 0;
-  std::vector<uint32_t> m_bandStart;
-  std::vector<Edge> m_bandEdges;
+  mutable double m_bandHeight = 0;
+  mutable std::vector<uint32_t> m_bandStart;
+  mutable std::vector<uint32_t> m_bandEdges;
 
   template <class F>
   void ForEachEdge(F&& f) const;
+  template <class F>
+  void ForEachEdgeAt(F&& f) const;
   std::size_t BandOf(double y) const;
-  void MakeBands();
+  void MakeBands() const;
 };
 
 /// The nesting pass of the judgment over shapes in its order (largest area
