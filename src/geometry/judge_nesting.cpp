@@ -5,6 +5,7 @@
 #include <numeric>
 #include <utility>
 
+#include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/judge.h"
 #include "geometry/judge_shape.h"
@@ -54,8 +55,13 @@ void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert) {
   shapes.reserve(count);
   const uint32_t code = Guard([&] {
     for (std::size_t i = 0; i < count; ++i) {
-      areas.push_back(std::fabs(PathArea(ArtOf(paths[i].art))));
-      shapes.emplace_back(PathPolyline(ArtOf(paths[i].art)));
+      // A path's area is the area under its coarse polyline: one flattening
+      // serves both.
+      CRvArt* path = ArtOf(paths[i].art);
+      if (path == nullptr || path->GetType() != kArtPath) Raise(kErrPathKind);  // the plain algorithm fails
+      CoarsePolyline line = PathPolyline(path);
+      areas.push_back(std::fabs(PolylineArea(line)));
+      shapes.emplace_back(std::move(line));
     }
   });
   if (code != 0) {

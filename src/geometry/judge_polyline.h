@@ -38,6 +38,10 @@ struct CoarsePolyline {
 CoarsePolyline MakeCoarsePolyline(const RVBEZIERPOINT* records, int32_t count, int32_t start,
                                   const RVRIFMATRIX* matrix);
 
+/// The signed area under the edges: (y0 + y1) (x1 - x0) / 2 summed over
+/// every edge of every list, in order (a path's area, CRvPath::GetArea).
+double PolylineArea(const CoarsePolyline& line);
+
 /// Sum of (x[k+1] - x[k]) * (y[k+1] + y[k]) * 0.5 over the edges: positive for
 /// a clockwise curve (y up), negative for a counter-clockwise one.
 double OrientationSum(const CoarsePolyline& line);

@@ -8,6 +8,7 @@
 #include "frame/frame.h"
 #include "geometry/affine.h"
 #include "geometry/curve_core.h"
+#include "geometry/judge_polyline.h"
 #include "model/art.h"
 
 namespace rv {
@@ -205,24 +206,8 @@ double CRvPath::GetArea() const {
   } else {
     return 0.0;
   }
-  const std::size_t count = records.size();
-  if (count == 0) return 0.0;
-  const std::size_t start = StartSegment() % count;
-  double area = 0.0;
-  std::vector<RVPOINT> points;
-  for (std::size_t i = 0; i < count; ++i) {
-    const std::size_t k = (start + i) % count;
-    RVBEZIERPOINT a = records[k];
-    RVBEZIERPOINT b = records[(k + 1) % count];
-    a.anchor = Apply(m_matrix, a.anchor);
-    b.anchor = Apply(m_matrix, b.anchor);
-    points.clear();
-    CurveToPoints(a, b, kCoarseLength, kCoarseTolerance, kFlattenMode, points);
-    for (std::size_t j = 0; j + 1 < points.size(); ++j) {
-      area += (points[j].y + points[j + 1].y) * (points[j + 1].x - points[j].x) / 2.0;
-    }
-  }
-  return area;
+  if (records.empty()) return 0.0;
+  return PolylineArea(MakeCoarsePolyline(records.data(), int32_t(records.size()), StartSegment(), &m_matrix));
 }
 
 void CRvCompound::SortChildren() {
