@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 #include <numbers>
+#include <optional>
 
 #include "conditions/cut_cdn_mng.h"
 #include "frame/frame.h"
@@ -19,6 +20,21 @@
 namespace rv {
 
 namespace {
+
+/// Whether judging the orientation of `component` could fail, and so leave
+/// its code as the last error: it isn't a Bezier, or a point lies beyond
+/// 100 m or isn't finite (a curve of that size flattens into far fewer
+/// points than the judgment allows).
+bool JudgmentMayFail(const CRvArt& component) {
+  if (component.GetType() != kArtBezier) return true;
+  constexpr double kReach = 1e5;
+  for (const RVBEZIERPOINT& p : static_cast<const CRvBezier&>(component).m_points) {
+    for (const RVPOINT* q : {&p.anchor, &p.in, &p.out}) {
+      if (!(std::fabs(q->x) < kReach && std::fabs(q->y) < kReach)) return true;
+    }
+  }
+  return false;
+}
 
 constexpr const char* kBothSidesMessage = "EntryBothSidesCutInfo:Error";
 constexpr const char* kBothSidesTitle = "test";
@@ -122,9 +138,14 @@ uint32_t EntryBothSidesCutInfo(void* formatHandle, void* artHandle) {
     }
     const int32_t closed = store.GetPathClosed(art);
     CRvArt* child = store.GetArtFirstChild(art);
-    int32_t clockwise = child != nullptr ? JudgeClockwise(child) : 0;
+    // The orientation is judged where it is used, or at once where the
+    // judgment could fail, as its code stays the last error.
+    std::optional<int32_t> clockwise;
+    if (child != nullptr && (p.forceCounterClockwise == 1 || JudgmentMayFail(*child))) {
+      clockwise = JudgeClockwise(child);
+    }
     if (p.forceCounterClockwise == 1) {
-      if (clockwise == 1 && closed != 0 && child != nullptr) store.ReverseBezierPoint(child);
+      if (clockwise == 1 && closed != 0) store.ReverseBezierPoint(child);
       clockwise = 0;
     }
     const int32_t inside = art->HasTag(kInsidePathTag) ? 1 : 0;
@@ -140,6 +161,7 @@ uint32_t EntryBothSidesCutInfo(void* formatHandle, void* artHandle) {
       store.SetArtTag(art, kInToOutTag, "");
     }
     if (!art->IsContainer()) return;
+    if (!clockwise) clockwise = child != nullptr ? JudgeClockwise(child) : 0;
     bool tagged = false;
     for (CRvArt* component : static_cast<CRvContainerArt*>(art)->m_children.items()) {
       if (component->GetType() != kArtBezier) continue;
@@ -148,7 +170,7 @@ uint32_t EntryBothSidesCutInfo(void* formatHandle, void* artHandle) {
         store.ReverseBezierPoint(&c);
         clockwise = 1;
       }
-      MarkCorners(c, format.m_placement, dc, inside, clockwise);
+      MarkCorners(c, format.m_placement, dc, inside, *clockwise);
       if (InsertJoints(c, format.m_placement, dc, side) > 0 && !tagged) {
         store.SetArtTag(art, kBothSidesCutTag, "");
         tagged = true;
