@@ -151,16 +151,18 @@ int NestingShape::CrossingInside(const RVPOINT& q) const {
   return winding != 0 ? 1 : 0;
 }
 
-bool NestingShape::Contains(const RVPOINT& q) const {
-  if (m_finite && std::isfinite(q.x) && std::isfinite(q.y)) {
-    if (q.x < m_box.left - m_margin || q.x > m_box.right + m_margin || q.y < m_box.bottom - m_margin ||
-        q.y > m_box.top + m_margin) {
-      return false;
-    }
-    const int fast = CrossingInside(q);
-    if (fast >= 0) return fast == 1;
+int NestingShape::FastContains(const RVPOINT& q) const {
+  if (!m_finite || !std::isfinite(q.x) || !std::isfinite(q.y)) return -1;
+  if (q.x < m_box.left - m_margin || q.x > m_box.right + m_margin || q.y < m_box.bottom - m_margin ||
+      q.y > m_box.top + m_margin) {
+    return 0;
   }
-  return IsInsideAngle(WindingAngle(m_line, q));
+  return CrossingInside(q);
+}
+
+bool NestingShape::Contains(const RVPOINT& q) const {
+  const int fast = FastContains(q);
+  return fast >= 0 ? fast == 1 : IsInsideAngle(WindingAngle(m_line, q));
 }
 
 PlainBox NestingShape::Reach() const {
@@ -178,14 +180,25 @@ bool NestingShape::InsideOf(const NestingShape& outer) const {
       return false;
     }
   }
+  // Every probe must be inside, so the order of asking is free: first the
+  // probes that the crossings decide, then the few that need the angle sum.
   bool any = false, inside = true;
+  std::vector<RVPOINT> undecided;
   ForEachEdge([&](const RVPOINT& p, const RVPOINT&) {
-    if (inside) {
-      any = true;
-      inside = outer.Contains(p);
+    if (!inside) return;
+    any = true;
+    const int fast = outer.FastContains(p);
+    if (fast < 0) {
+      undecided.push_back(p);
+    } else {
+      inside = fast == 1;
     }
   });
-  return any && inside;
+  if (!any || !inside) return false;
+  for (const RVPOINT& p : undecided) {
+    if (!IsInsideAngle(WindingAngle(outer.m_line, p))) return false;
+  }
+  return true;
 }
 
 }  // namespace rv

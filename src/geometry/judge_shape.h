@@ -47,6 +47,8 @@ class NestingShape {
   using Box = PlainBox;
   /// -1 when the crossing count can't be trusted for q, else 0 or 1.
   int CrossingInside(const RVPOINT& q) const;
+  /// Contains(q) as 0 or 1 when the box or the crossings decide, else -1.
+  int FastContains(const RVPOINT& q) const;
 
   CoarsePolyline m_line;
   std::size_t m_edgeCount = 0;   // pairs of successive points within the lists
