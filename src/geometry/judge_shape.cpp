@@ -29,6 +29,9 @@ void NestingShape::ForEachEdgeAt(F&& f) const {
 }
 
 NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
+  // Kept while the whole drawing is judged: no room to grow.
+  m_line.points.shrink_to_fit();
+  m_line.ends.shrink_to_fit();
   const auto& pts = m_line.points;
   if (pts.empty()) return;
   m_box = Box{pts[0].x, pts[0].y, pts[0].x, pts[0].y};
