@@ -8,8 +8,11 @@
 // (every edge sits in the bands that its height, widened a little, touches).
 // Wherever the crossing count could
 // disagree with the angle sum (a point on or within rounding distance of an
-// edge or vertex, non-finite coordinates) the angle sum itself decides, so
-// every answer is the one of the plain test.
+// edge or vertex) the sum is taken from the directions of the few edges
+// that need their own angle and the turns of the band's edges round the
+// point, and decides when it lies clearly on one side of the threshold;
+// only when it doesn't (or for non-finite coordinates) is every edge's angle
+// summed. So every answer is the one of the plain test.
 #pragma once
 
 #include <cstdint>
@@ -49,6 +52,9 @@ class NestingShape {
   int CrossingInside(const RVPOINT& q) const;
   /// Contains(q) as 0 or 1 when the box or the crossings decide, else -1.
   int FastContains(const RVPOINT& q) const;
+  /// Contains(q) as 0 or 1 from the angle sum taken edge by edge only where
+  /// needed, when it is clearly away from the threshold; else -1.
+  int AngleSumInside(const RVPOINT& q) const;
 
   CoarsePolyline m_line;
   std::size_t m_edgeCount = 0;   // pairs of successive points within the lists
