@@ -92,8 +92,8 @@ void BM_KeyOrderAndBounds(benchmark::State& state) {
     benchmark::DoNotOptimize(entries.data());
   }
 }
-// In one block, in no spatial order, the tree of the refinement by bounds
-// prunes little: only the smaller size there.
+// In one block the refinement by bounds finds its entries through grids of
+// the drawing: only the smaller size there.
 BENCHMARK(BM_KeyOrderAndBounds)
     ->ArgsProduct({{20000, 100000}, {0, 1}, {0}})
     ->ArgsProduct({{20000}, {0, 1}, {1}})

@@ -1,5 +1,6 @@
 #include "output/sort_core.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "output/number_format.h"
@@ -27,6 +28,15 @@ IntRect IntegerBox(const RVRECT& bounds) {
   r.top = std::min(top, bottom);
   r.bottom = std::max(top, bottom);
   return r;
+}
+
+bool MostlyOneBlock(const std::vector<RVSORTENTRY>& entries) {
+  std::size_t run = 0, longest = 0;
+  for (std::size_t k = 0; k < entries.size(); ++k) {
+    run = k != 0 && entries[k].key == entries[k - 1].key ? run + 1 : 1;
+    longest = std::max(longest, run);
+  }
+  return 2 * longest >= entries.size();
 }
 
 }  // namespace rv

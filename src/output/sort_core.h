@@ -13,6 +13,7 @@
 
 #include "geometry/affine.h"
 #include "output/bounds_index.h"
+#include "output/grid_bounds_index.h"
 #include "output/int_rect.h"
 #include "output/start_tree.h"
 
@@ -182,14 +183,14 @@ IntRect IntegerBox(const RVRECT& bounds);
 /// walk over b goes on from there. report(indexOfA) runs after each a and
 /// may raise. `boxes` holds the box of each entry and is permuted with the
 /// entries. The result is that of the plain double loop; the next b is found
-/// through a BoundsIndex.
-template <class Report>
-void RefineByBounds(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& boxes, Report&& report) {
+/// through an Index (BoundsIndex or GridBoundsIndex).
+template <class Index, class Report>
+void RefineByBoundsWith(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& boxes, Report&& report) {
   const std::size_t n = entries.size();
   if (n < 2) return;
   std::vector<double> values(n);
   for (std::size_t k = 0; k < n; ++k) values[k] = entries[k].value;
-  BoundsIndex index(boxes, std::move(values));
+  Index index(boxes, std::move(values));
   auto grown = [](IntRect r) {  // saturating at the 32-bit limits
     if (r.top > INT32_MIN) r.top -= 1;
     if (r.right < INT32_MAX) r.right += 1;
@@ -205,6 +206,22 @@ void RefineByBounds(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& box
       a = grown(boxes[i]);
     }
     report(i);
+  }
+}
+
+/// Whether at least half of the entries share one block key: their order
+/// (the drawing's) says nothing of where they lie.
+bool MostlyOneBlock(const std::vector<RVSORTENTRY>& entries);
+
+/// RefineByBoundsWith the index that suits the entries: BoundsIndex, whose
+/// runs of positions lie near each other in the order of the block keys, or
+/// GridBoundsIndex for entries mostly of one block.
+template <class Report>
+void RefineByBounds(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>& boxes, Report&& report) {
+  if (MostlyOneBlock(entries)) {
+    RefineByBoundsWith<GridBoundsIndex>(entries, boxes, std::forward<Report>(report));
+  } else {
+    RefineByBoundsWith<BoundsIndex>(entries, boxes, std::forward<Report>(report));
   }
 }
 

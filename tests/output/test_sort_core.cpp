@@ -188,8 +188,12 @@ TEST(SortCore, BoundsRefinementGivesTheOrderOfThePlainDoubleLoop) {
     auto plain = e;
     auto plainBoxes = boxes;
     PlainByBounds(plain, plainBoxes);
-    rv::RefineByBounds(e, boxes, [](std::size_t) {});
+    auto byGrid = e;
+    auto gridBoxes = boxes;
+    rv::RefineByBoundsWith<rv::BoundsIndex>(e, boxes, [](std::size_t) {});
     ASSERT_EQ(IdsOf(e), IdsOf(plain)) << "round " << round;
+    rv::RefineByBoundsWith<rv::GridBoundsIndex>(byGrid, gridBoxes, [](std::size_t) {});
+    ASSERT_EQ(IdsOf(byGrid), IdsOf(plain)) << "grid, round " << round;
   }
 }
 
