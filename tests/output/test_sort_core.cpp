@@ -129,7 +129,8 @@ void PlainByBounds(std::vector<rv::RVSORTENTRY>& e, std::vector<rv::IntRect>& bo
 std::vector<rv::RVSORTENTRY> WithBoxes(const std::vector<rv::IntRect>& boxes) {
   std::vector<rv::RVSORTENTRY> e;
   for (const rv::IntRect& b : boxes) {
-    e.push_back(rv::RVSORTENTRY{0, 2.0 * (b.right - b.left) + 2.0 * (b.bottom - b.top), Art(std::intptr_t(e.size()) + 1)});
+    e.push_back(rv::RVSORTENTRY{0, 2.0 * (double(b.right) - b.left) + 2.0 * (double(b.bottom) - b.top),
+                                Art(std::intptr_t(e.size()) + 1)});
   }
   return e;
 }
