@@ -60,7 +60,7 @@ void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert) {
       CRvArt* path = ArtOf(paths[i].art);
       if (path == nullptr || path->GetType() != kArtPath) Raise(kErrPathKind);  // the plain algorithm fails
       CoarsePolyline line = PathPolyline(path);
-      areas.push_back(std::fabs(PolylineArea(line)));
+      areas.push_back(std::fabs(OrientationSum(line)));
       shapes.emplace_back(std::move(line));
     }
   });

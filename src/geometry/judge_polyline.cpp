@@ -30,35 +30,17 @@ CoarsePolyline MakeCoarsePolyline(const RVBEZIERPOINT* records, int32_t count, i
 
 double OrientationSum(const CoarsePolyline& line) {
   double sum = 0.0;
-  for (std::size_t list = 0; list < line.ListCount(); ++list) {
-    for (std::size_t k = line.ListBegin(list); k + 1 < line.ends[list]; ++k) {
-      const RVPOINT& p = line.points[k];
-      const RVPOINT& q = line.points[k + 1];
-      sum += (q.x - p.x) * (q.y + p.y) * 0.5;
-    }
-  }
+  line.ForEachEdgeAt([&](std::size_t k) {
+    const RVPOINT& p = line.points[k];
+    const RVPOINT& q = line.points[k + 1];
+    sum += (q.x - p.x) * (q.y + p.y) * 0.5;
+  });
   return sum;
-}
-
-double PolylineArea(const CoarsePolyline& line) {
-  double area = 0.0;
-  for (std::size_t list = 0; list < line.ListCount(); ++list) {
-    for (std::size_t k = line.ListBegin(list); k + 1 < line.ends[list]; ++k) {
-      const RVPOINT& p = line.points[k];
-      const RVPOINT& q = line.points[k + 1];
-      area += (p.y + q.y) * (q.x - p.x) / 2.0;
-    }
-  }
-  return area;
 }
 
 double WindingAngle(const CoarsePolyline& line, const RVPOINT& q) {
   double sum = 0.0;
-  for (std::size_t list = 0; list < line.ListCount(); ++list) {
-    for (std::size_t k = line.ListBegin(list); k + 1 < line.ends[list]; ++k) {
-      sum += AngleOfThreePoints(line.points[k], q, line.points[k + 1]);
-    }
-  }
+  line.ForEachEdgeAt([&](std::size_t k) { sum += AngleOfThreePoints(line.points[k], q, line.points[k + 1]); });
   return sum;
 }
 

@@ -30,6 +30,13 @@ struct CoarsePolyline {
 
   std::size_t ListCount() const { return ends.size(); }
   std::size_t ListBegin(std::size_t list) const { return list == 0 ? 0 : ends[list - 1]; }
+  /// f(k) for each edge points[k] - points[k + 1], list by list.
+  template <class F>
+  void ForEachEdgeAt(F&& f) const {
+    for (std::size_t list = 0; list < ListCount(); ++list) {
+      for (std::size_t k = ListBegin(list); k + 1 < ends[list]; ++k) f(k);
+    }
+  }
 };
 
 /// The coarse polyline of `count` Bezier records, walked from `start` (taken
@@ -38,12 +45,9 @@ struct CoarsePolyline {
 CoarsePolyline MakeCoarsePolyline(const RVBEZIERPOINT* records, int32_t count, int32_t start,
                                   const RVRIFMATRIX* matrix);
 
-/// The signed area under the edges: (y0 + y1) (x1 - x0) / 2 summed over
-/// every edge of every list, in order (a path's area, CRvPath::GetArea).
-double PolylineArea(const CoarsePolyline& line);
-
 /// Sum of (x[k+1] - x[k]) * (y[k+1] + y[k]) * 0.5 over the edges: positive for
-/// a clockwise curve (y up), negative for a counter-clockwise one.
+/// a clockwise curve (y up), negative for a counter-clockwise one. It is
+/// also a path's signed area (CRvPath::GetArea).
 double OrientationSum(const CoarsePolyline& line);
 
 /// Sum of the signed angles that the edges span seen from `q`: about +-2 pi

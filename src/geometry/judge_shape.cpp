@@ -22,14 +22,7 @@ constexpr double kNearSine2 = kNearSine * kNearSine;
 
 template <class F>
 void NestingShape::ForEachEdge(F&& f) const {
-  ForEachEdgeAt([&](std::size_t k) { f(m_line.points[k], m_line.points[k + 1]); });
-}
-
-template <class F>
-void NestingShape::ForEachEdgeAt(F&& f) const {
-  for (std::size_t list = 0; list < m_line.ListCount(); ++list) {
-    for (std::size_t k = m_line.ListBegin(list); k + 1 < m_line.ends[list]; ++k) f(k);
-  }
+  m_line.ForEachEdgeAt([&](std::size_t k) { f(m_line.points[k], m_line.points[k + 1]); });
 }
 
 NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
@@ -118,7 +111,7 @@ void NestingShape::MakeBands() const {
   m_bandEdges.resize(m_bandStart[bands]);
   std::vector<uint32_t> fill(m_bandStart.begin(), m_bandStart.end() - 1);
   const auto& pts = m_line.points;
-  ForEachEdgeAt([&](std::size_t e) {
+  m_line.ForEachEdgeAt([&](std::size_t e) {
     const auto [low, high] = range(pts[e], pts[e + 1]);
     for (std::size_t k = low; k <= high; ++k) m_bandEdges[fill[k]++] = uint32_t(e);
   });

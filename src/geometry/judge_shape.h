@@ -71,8 +71,6 @@ class NestingShape {
 
   template <class F>
   void ForEachEdge(F&& f) const;
-  template <class F>
-  void ForEachEdgeAt(F&& f) const;
   std::size_t BandOf(double y) const;
   void MakeBands() const;
 };
