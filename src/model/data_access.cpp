@@ -29,7 +29,7 @@ int16_t CRvDataAccess::CreateDocument(int16_t kind) {
   // The store is full when the next index wouldn't fit 16 bits.
   if (m_documents.size() >= kMaxDocuments) Raise(kErrDocumentKind);
   m_documents.push_back(std::make_unique<CRvRIFMemoryData>());
-  m_activeIndex = int16_t(m_documents.size() - 1);
+  Activate(int16_t(m_documents.size() - 1));
   return m_activeIndex;
 }
 
@@ -41,7 +41,7 @@ void CRvDataAccess::DeleteActiveDocument() {
   int16_t index = m_activeIndex;
   while (--index >= 0 && !m_documents[std::size_t(index)]) {
   }
-  m_activeIndex = index;  // -1 when no lower document is left
+  Activate(index);  // -1 when no lower document is left
 }
 
 void CRvDataAccess::DeleteAllDocuments() {
@@ -49,7 +49,7 @@ void CRvDataAccess::DeleteAllDocuments() {
     if (document) m_forgotten.push_back(std::move(document));
   }
   m_documents.clear();
-  m_activeIndex = -1;
+  Activate(-1);
   if (RefMapStore::Instance().LiveTables() == 0) ReclaimForgotten();
 }
 
@@ -69,7 +69,13 @@ void CRvDataAccess::SetActiveDocument(int16_t index) {
   if (index < 0 || std::size_t(index) >= m_documents.size() || !m_documents[std::size_t(index)]) {
     Raise(kErrNoDocument);
   }
+  Activate(index);
+}
+
+void CRvDataAccess::Activate(int16_t index) {
   m_activeIndex = index;
+  CRvRIFMemoryData* document = FindActiveDocument();
+  CurrentDrawingPool() = document != nullptr ? &document->Pool() : nullptr;
 }
 
 CRvRIFMemoryData* CRvDataAccess::FindActiveDocument() const {

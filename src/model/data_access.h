@@ -71,6 +71,9 @@ class CRvDataAccess {
   std::size_t ForgottenCount() const { return m_forgotten.size(); }
   /// 0x09001D01 for a negative index, one past the array or an empty slot.
   void SetActiveDocument(int16_t index);
+  /// Makes `index` (which exists, or -1) the active document, whose pool
+  /// then holds what is made.
+  void Activate(int16_t index);
   int16_t GetActiveDocumentIndex() const { return m_activeIndex; }
   /// The active document, or null.
   CRvRIFMemoryData* FindActiveDocument() const;

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "model/art.h"
+#include "model/drawing_memory.h"
 #include "rvdataaccess.h"
 
 namespace rv {
@@ -34,6 +35,9 @@ class CRvRIFMemoryData : public CRvRIFData {
   CRvRIFMemoryData& operator=(const CRvRIFMemoryData&) = delete;
   /// Destroys the layers in list order.
   ~CRvRIFMemoryData() override;
+
+  /// The storage of the arts made while this document is active.
+  DrawingPool& Pool() { return m_pool; }
 
   void SetDocBoundBox(const RVRECT& rect) override { m_docBoundBox = rect; }
   void GetDocBoundBox(RVRECT& rect) const override { rect = m_docBoundBox; }
@@ -63,6 +67,8 @@ class CRvRIFMemoryData : public CRvRIFData {
   RVRECT m_plotBoundBox{};
 
  private:
+  // Before the layers: destroyed after them, so that their blocks are free.
+  DrawingPool m_pool;
   std::vector<std::unique_ptr<CRvLayer>> m_layers;
 };
 

@@ -1,5 +1,7 @@
 #include "model/drawing_memory.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -7,20 +9,102 @@ namespace rv {
 
 namespace {
 
-// One tally for the process, like the store that owns the drawings; the
-// library runs on one thread at a time.
+// Every block starts with a head: its chunk, or null for a heap block. The
+// head keeps the block aligned for doubles.
+constexpr std::size_t kHead = 16;
+constexpr std::size_t kLargestPooled = 4096;  // with the head
+constexpr std::size_t kChunkBytes = std::size_t(64) << 10;
+
 std::size_t& Tally() {
   static std::size_t bytes = 0;
   return bytes;
 }
 
+std::size_t& StorageTally() {
+  static std::size_t bytes = 0;
+  return bytes;
+}
+
+/// The whole size of a block for `bytes`: head included, in steps of 16.
+std::size_t BlockSize(std::size_t bytes) { return (std::max<std::size_t>(bytes, 1) + kHead + 15) / 16 * 16; }
+
 }  // namespace
+
+struct DrawingPool::Chunk {
+  DrawingPool* pool;  // null once the pool is gone
+  std::size_t live;   // blocks handed out and not freed
+  std::size_t used;   // bytes cut from `data`
+  std::size_t size;   // bytes of `data`
+  alignas(16) unsigned char data[1];
+};
+
+DrawingPool*& CurrentDrawingPool() {
+  static DrawingPool* pool = nullptr;
+  return pool;
+}
 
 std::size_t DrawingBytes() { return Tally(); }
 
+std::size_t DrawingStorageBytes() { return StorageTally(); }
+
+void* DrawingPool::Allocate(std::size_t bytes) {
+  const std::size_t total = BlockSize(bytes);
+  if (total > kLargestPooled) return nullptr;
+  void*& head = m_free[total / 16];
+  unsigned char* block;
+  Chunk* chunk;
+  if (head != nullptr) {
+    block = static_cast<unsigned char*>(head);
+    head = *reinterpret_cast<void**>(block + kHead);
+    chunk = *reinterpret_cast<Chunk**>(block);
+  } else {
+    if (m_current == nullptr || m_current->size - m_current->used < total) {
+      const std::size_t size = kChunkBytes;
+      void* raw = std::malloc(offsetof(Chunk, data) + size);
+      if (raw == nullptr) throw std::bad_alloc();
+      StorageTally() += offsetof(Chunk, data) + size;
+      m_current = static_cast<Chunk*>(raw);
+      m_current->pool = this, m_current->live = 0, m_current->used = 0, m_current->size = size;
+      m_chunks.push_back(m_current);
+    }
+    chunk = m_current;
+    block = chunk->data + chunk->used;
+    chunk->used += total;
+    *reinterpret_cast<Chunk**>(block) = chunk;
+  }
+  ++chunk->live;
+  return block + kHead;
+}
+
+void DrawingPool::Recycle(void* block, std::size_t total) noexcept {
+  void*& head = m_free[total / 16];
+  *reinterpret_cast<void**>(static_cast<unsigned char*>(block) + kHead) = head;
+  head = block;
+}
+
+DrawingPool::~DrawingPool() {
+  if (CurrentDrawingPool() == this) CurrentDrawingPool() = nullptr;
+  for (Chunk* chunk : m_chunks) {
+    if (chunk->live == 0) {
+      StorageTally() -= offsetof(Chunk, data) + chunk->size;
+      std::free(chunk);
+    } else {
+      chunk->pool = nullptr;  // goes with its last block
+    }
+  }
+}
+
 void* AllocateDrawing(std::size_t bytes) {
-  void* p = std::malloc(bytes == 0 ? 1 : bytes);
-  if (p == nullptr) throw std::bad_alloc();
+  DrawingPool* pool = CurrentDrawingPool();
+  void* p = pool != nullptr ? pool->Allocate(bytes) : nullptr;
+  if (p == nullptr) {
+    const std::size_t total = BlockSize(bytes);
+    auto* block = static_cast<unsigned char*>(std::malloc(total));
+    if (block == nullptr) throw std::bad_alloc();
+    StorageTally() += total;
+    *reinterpret_cast<DrawingPool::Chunk**>(block) = nullptr;
+    p = block + kHead;
+  }
   Tally() += bytes;
   return p;
 }
@@ -28,7 +112,21 @@ void* AllocateDrawing(std::size_t bytes) {
 void FreeDrawing(void* p, std::size_t bytes) noexcept {
   if (p == nullptr) return;
   Tally() -= bytes;
-  std::free(p);
+  unsigned char* block = static_cast<unsigned char*>(p) - kHead;
+  DrawingPool::Chunk* chunk = *reinterpret_cast<DrawingPool::Chunk**>(block);
+  const std::size_t total = BlockSize(bytes);
+  if (chunk == nullptr) {
+    StorageTally() -= total;
+    std::free(block);
+    return;
+  }
+  --chunk->live;
+  if (chunk->pool != nullptr) {
+    chunk->pool->Recycle(block, total);
+  } else if (chunk->live == 0) {
+    StorageTally() -= offsetof(DrawingPool::Chunk, data) + chunk->size;
+    std::free(chunk);
+  }
 }
 
 }  // namespace rv

@@ -1,25 +1,68 @@
-// The tally of a drawing's storage.
+// The storage of drawings.
 //
 // Every art object (CRvArt's own operator new) and every point array of a
-// path component (DrawingVector) is allocated through here, so the bytes
-// that all drawings hold - documents, forgotten documents and unlinked arts
-// together - can be read at any time. The tally is what tests read to show
-// that memory comes back, and what benchmarks divide by the points of an
-// import. It counts the bytes asked for, not the heap's own overhead, and
-// nothing else of the library (tags, names, lists, RefMap tables).
+// path component (DrawingVector) is allocated through here. Each document
+// owns a DrawingPool: what is made while the document is active comes from
+// the pool's chunks, small blocks cut one after the other, and a freed block
+// waits in a list of its size for the next of that size. Destroying a
+// document destroys its arts; the pool then gives back every chunk whose
+// blocks are all free. A chunk that still holds a live block (an art
+// unlinked from the document, which stays readable for the life of the
+// process, or an art made here and linked into another document) stays
+// until that block is freed, and then goes. Large blocks, and blocks made
+// while no document is active, come from the heap.
+//
+// Two tallies can be read at any time: the bytes asked for by arts and
+// point arrays (documents, forgotten documents and unlinked arts together),
+// and the bytes of storage that holds them (chunks and heap blocks). Tests
+// read them to show that memory comes back; benchmarks divide them by the
+// points of an import. The library runs one call at a time, so there are
+// no locks.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <vector>
 
 namespace rv {
 
-/// Bytes held now by arts and point arrays.
+/// Bytes asked for by the arts and point arrays alive now.
 std::size_t DrawingBytes();
-/// Allocates `bytes` for the drawing (std::bad_alloc on failure).
+/// Bytes of storage that holds them: chunks and heap blocks.
+std::size_t DrawingStorageBytes();
+/// Allocates `bytes` for the drawing, from the active document's pool when
+/// there is one (std::bad_alloc on failure).
 void* AllocateDrawing(std::size_t bytes);
 /// Releases what AllocateDrawing gave for the same `bytes`.
 void FreeDrawing(void* p, std::size_t bytes) noexcept;
+
+/// The storage of one document.
+class DrawingPool {
+ public:
+  DrawingPool() = default;
+  DrawingPool(const DrawingPool&) = delete;
+  DrawingPool& operator=(const DrawingPool&) = delete;
+  /// Gives back the chunks with no live block; the others stay, on their
+  /// own, until their last block is freed.
+  ~DrawingPool();
+
+  /// A block of at least `bytes` (the caller counts the tally).
+  void* Allocate(std::size_t bytes);
+
+  struct Chunk;
+  /// A freed block of a chunk of this pool, `total` bytes with its head.
+  void Recycle(void* block, std::size_t total) noexcept;
+
+ private:
+  static constexpr std::size_t kClasses = 4096 / 16 + 1;
+  std::vector<Chunk*> m_chunks;
+  Chunk* m_current = nullptr;
+  std::array<void*, kClasses> m_free{};  // freed blocks by size / 16
+};
+
+/// The pool that allocations go to now: the active document's, or none.
+/// Set by the store.
+DrawingPool*& CurrentDrawingPool();
 
 /// The allocator of the point arrays.
 template <class T>

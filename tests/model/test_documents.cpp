@@ -154,6 +154,62 @@ TEST_F(DocumentStore, ForgottenDocumentsLiveWhileATableCanReachThem) {
   EXPECT_EQ(Create(), 0);
 }
 
+// A Bezier of `count` points, the last child of `path`.
+void* BezierOf(void* path, int count) {
+  void* bezier = nullptr;
+  EXPECT_EQ(RvGiCreateArt(2, 5, path, &bezier), 0u);
+  for (int k = 0; k < count; ++k) {
+    const RVBEZIERPOINT p = Pt(k, -k);
+    EXPECT_EQ(RvGiAddBezierPoint(bezier, &p), 0u);
+  }
+  return bezier;
+}
+
+TEST_F(DocumentStore, StorageGoesWithItsDocumentButNeverFromUnderAnArtStillHeld) {
+  ASSERT_EQ(RvGiDeleteRefMapTable(), 0u);
+  const std::size_t storage = rv::DrawingStorageBytes();
+  // Document 0 makes three paths: one stays, one is unlinked, one is copied
+  // (with a Bezier made while document 0 is active) into document 1.
+  void* path = TaggedPath();
+  BezierOf(path, 300);
+  void* unlinked = nullptr;
+  ASSERT_EQ(RvGiCreateArt(4, 3, nullptr, &unlinked), 0u);
+  void* unlinkedBezier = BezierOf(unlinked, 300);
+  void* handle = unlinked;
+  ASSERT_EQ(RvGiDeleteArt(&handle), 0u);
+  const int16_t second = Create();
+  void* layer = nullptr;
+  ASSERT_EQ(RvGiCreateLayer(1, nullptr, &layer), 0u);
+  void* copy = nullptr;
+  ASSERT_EQ(RvGiCopyArt(4, 3, nullptr, path, &copy), 0u);
+  ASSERT_EQ(RvGiSetActiveDocument(0), 0u);
+  void* movedBezier = BezierOf(copy, 300);
+  EXPECT_GT(rv::DrawingStorageBytes(), storage + 3 * 300 * sizeof(RVBEZIERPOINT));
+
+  // Document 0 goes; what document 1 and the host still hold stays readable.
+  ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
+  EXPECT_EQ(Anchors(unlinkedBezier).size(), 300u);
+  EXPECT_EQ(Anchors(movedBezier).at(299), 299.0);
+  EXPECT_EQ(Parent(movedBezier), copy);
+  const std::size_t held = rv::DrawingStorageBytes();
+  EXPECT_GT(held, storage);
+
+  // Document 1 goes: only the unlinked art is left, and the storage it sits in.
+  ASSERT_EQ(RvGiSetActiveDocument(second), 0u);
+  ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
+  EXPECT_EQ(Anchors(unlinkedBezier).at(1), 1.0);
+  EXPECT_LE(rv::DrawingStorageBytes(), held);
+  EXPECT_GT(rv::DrawingStorageBytes(), storage);
+
+  // Storage made and dropped in a document comes back with it.
+  const std::size_t before = rv::DrawingStorageBytes();
+  for (int round = 0; round < 20; ++round) {
+    BezierOf(TaggedPath(), 1000);
+    ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
+  }
+  EXPECT_EQ(rv::DrawingStorageBytes(), before);
+}
+
 TEST_F(DocumentStore, BoundBoxesBelongToTheirDocument) {
   const int16_t first = Create();
   const RVRECT page{297.0, 0.0, 210.0, 0.0};

@@ -50,6 +50,7 @@ TEST(JobCycles, DrawingMemoryStaysFlatOverAThousandJobs) {
   std::size_t held = 0;
   for (int round = 0; round < 10; ++round) held = RunJob(plot, job, param);
   const std::size_t settled = rv::DrawingBytes();
+  const std::size_t settledStorage = rv::DrawingStorageBytes();
   EXPECT_GT(held, settled + 1000) << "a job holds its drawing";
   EXPECT_LE(settled, empty + 1000) << "and gives it back";
   for (int round = 10; round < 1000; ++round) {
@@ -57,6 +58,7 @@ TEST(JobCycles, DrawingMemoryStaysFlatOverAThousandJobs) {
     if (HasFailure()) return;
   }
   EXPECT_EQ(rv::DrawingBytes(), settled);
+  EXPECT_EQ(rv::DrawingStorageBytes(), settledStorage) << "the documents' storage goes with them";
   EXPECT_FALSE(ReadFile(job).empty());
 }
 
