@@ -9,10 +9,12 @@ namespace rv {
 
 namespace {
 
-// Every block starts with a head: its chunk, or null for a heap block. The
-// head keeps the block aligned for doubles.
-constexpr std::size_t kHead = 16;
+// Every block starts with a head: its chunk, or null for a heap block.
+// Blocks are aligned for doubles and pointers, all that a drawing stores.
+constexpr std::size_t kHead = sizeof(void*);
+constexpr std::size_t kStep = 8;
 constexpr std::size_t kLargestPooled = 4096;  // with the head
+constexpr std::size_t kFirstChunkBytes = std::size_t(4) << 10;
 constexpr std::size_t kChunkBytes = std::size_t(64) << 10;
 
 std::size_t& Tally() {
@@ -25,8 +27,8 @@ std::size_t& StorageTally() {
   return bytes;
 }
 
-/// The whole size of a block for `bytes`: head included, in steps of 16.
-std::size_t BlockSize(std::size_t bytes) { return (std::max<std::size_t>(bytes, 1) + kHead + 15) / 16 * 16; }
+/// The whole size of a block for `bytes`: head included, in steps of 8.
+std::size_t BlockSize(std::size_t bytes) { return (std::max<std::size_t>(bytes, 8) + kHead + kStep - 1) / kStep * kStep; }
 
 }  // namespace
 
@@ -35,7 +37,7 @@ struct DrawingPool::Chunk {
   std::size_t live;   // blocks handed out and not freed
   std::size_t used;   // bytes cut from `data`
   std::size_t size;   // bytes of `data`
-  alignas(16) unsigned char data[1];
+  alignas(8) unsigned char data[1];
 };
 
 DrawingPool*& CurrentDrawingPool() {
@@ -50,7 +52,7 @@ std::size_t DrawingStorageBytes() { return StorageTally(); }
 void* DrawingPool::Allocate(std::size_t bytes) {
   const std::size_t total = BlockSize(bytes);
   if (total > kLargestPooled) return nullptr;
-  void*& head = m_free[total / 16];
+  void*& head = m_free[total / kStep];
   unsigned char* block;
   Chunk* chunk;
   if (head != nullptr) {
@@ -59,7 +61,9 @@ void* DrawingPool::Allocate(std::size_t bytes) {
     chunk = *reinterpret_cast<Chunk**>(block);
   } else {
     if (m_current == nullptr || m_current->size - m_current->used < total) {
-      const std::size_t size = kChunkBytes;
+      // Chunks grow with the document: a small one wastes little, also when
+      // an art that outlives the document keeps its chunk.
+      const std::size_t size = m_current == nullptr ? kFirstChunkBytes : std::min(2 * m_current->size, kChunkBytes);
       void* raw = std::malloc(offsetof(Chunk, data) + size);
       if (raw == nullptr) throw std::bad_alloc();
       StorageTally() += offsetof(Chunk, data) + size;
@@ -77,7 +81,7 @@ void* DrawingPool::Allocate(std::size_t bytes) {
 }
 
 void DrawingPool::Recycle(void* block, std::size_t total) noexcept {
-  void*& head = m_free[total / 16];
+  void*& head = m_free[total / kStep];
   *reinterpret_cast<void**>(static_cast<unsigned char*>(block) + kHead) = head;
   head = block;
 }

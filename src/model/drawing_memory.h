@@ -54,10 +54,10 @@ class DrawingPool {
   void Recycle(void* block, std::size_t total) noexcept;
 
  private:
-  static constexpr std::size_t kClasses = 4096 / 16 + 1;
+  static constexpr std::size_t kClasses = 4096 / 8 + 1;
   std::vector<Chunk*> m_chunks;
   Chunk* m_current = nullptr;
-  std::array<void*, kClasses> m_free{};  // freed blocks by size / 16
+  std::array<void*, kClasses> m_free{};  // freed blocks by size / 8
 };
 
 /// The pool that allocations go to now: the active document's, or none.
