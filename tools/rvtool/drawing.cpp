@@ -17,7 +17,9 @@ std::string ReadName(Read read) {
 
 }  // namespace
 
-void CheckRead(uint32_t code) { Check(code, "reading the drawing", ""); }
+void CheckRead(uint32_t code) {
+  if (code != 0) Check(code, "reading the drawing", "");  // no texts made for a read that worked
+}
 
 Document::~Document() {
   if (m_index < 0) return;
