@@ -1,6 +1,7 @@
 #include "model/art.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "frame/error_codes.h"
 #include "frame/frame.h"
@@ -34,13 +35,24 @@ ChildList::~ChildList() {
 
 // ---------------------------------------------------------------- CRvArt
 
-CRvArt::CRvArt() : m_matrix(kIdentity) {}
+CRvArt::CRvArt() = default;
 
 CRvArt::CRvArt(const CRvArt& source)
-    : m_parent(source.m_parent),
-      m_bounds(source.m_bounds),
-      m_matrix(source.m_matrix),
-      m_attrOwned(source.m_attrOwned) {}
+    : m_parent(source.m_parent), m_bounds(source.m_bounds), m_attrOwned(source.m_attrOwned) {
+  SetMatrix(source.Matrix());
+}
+
+const RVRIFMATRIX& CRvArt::Matrix() const { return m_matrix ? *m_matrix : kIdentity; }
+
+void CRvArt::SetMatrix(const RVRIFMATRIX& matrix) {
+  if (std::memcmp(&matrix, &kIdentity, sizeof matrix) == 0) {
+    m_matrix.reset();
+  } else if (m_matrix) {
+    *m_matrix = matrix;
+  } else {
+    m_matrix = std::make_unique<RVRIFMATRIX>(matrix);
+  }
+}
 
 CRvArt::~CRvArt() = default;
 

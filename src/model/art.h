@@ -147,13 +147,22 @@ class CRvArt {
   const std::string& GetTag(const std::string& key) const;
   bool HasTag(const std::string& key) const { return m_tags && m_tags->count(key) != 0; }
 
+  /// The art's matrix; the identity unless another was set.
+  const RVRIFMATRIX& Matrix() const;
+  void SetMatrix(const RVRIFMATRIX& matrix);
+
   CRvArt* m_parent = nullptr;
   RVRECT m_bounds{};
-  RVRIFMATRIX m_matrix;
   std::unique_ptr<PathAttr> m_attr;
   // Made at the first tag, as most arts have none; bytewise key order.
   std::unique_ptr<std::map<std::string, std::string>> m_tags;
   int m_attrOwned = 0;
+
+ private:
+  // Held only when it isn't the identity, bit for bit: most arts keep it.
+  std::unique_ptr<RVRIFMATRIX> m_matrix;
+
+ public:
 
   // Where the art was linked last: the container and the list position. The
   // containers keep this exact (set on link, cleared on unlink), so that a

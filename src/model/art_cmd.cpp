@@ -160,15 +160,15 @@ int16_t CRvArtCmd::GetArtType(const CRvArt* art) const { return NeedArt(art).Get
 
 // ---------------------------------------------------------------- properties
 
-RVRIFMATRIX CRvArtCmd::GetArtMatrix(const CRvArt* art) const { return NeedArt(art).m_matrix; }
+RVRIFMATRIX CRvArtCmd::GetArtMatrix(const CRvArt* art) const { return NeedArt(art).Matrix(); }
 
-void CRvArtCmd::SetArtMatrix(CRvArt* art, const RVRIFMATRIX& matrix) const { NeedArt(art).m_matrix = matrix; }
+void CRvArtCmd::SetArtMatrix(CRvArt* art, const RVRIFMATRIX& matrix) const { NeedArt(art).SetMatrix(matrix); }
 
 void CRvArtCmd::SetBoundingBox(CRvArt* art, const RVRECT& rect) const { NeedArt(art).m_bounds = rect; }
 
 RVRECT CRvArtCmd::GetArtBounds(const CRvArt* art) const {
   const CRvArt& a = NeedArt(art);
-  const RVRIFMATRIX& m = a.m_matrix;
+  const RVRIFMATRIX& m = a.Matrix();
   const RVRECT& r = a.m_bounds;
   RVRECT out;
   out.left = m.a * r.left + m.c * r.top + m.tx;

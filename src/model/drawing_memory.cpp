@@ -60,18 +60,26 @@ void* DrawingPool::Allocate(std::size_t bytes) {
     head = *reinterpret_cast<void**>(block + kHead);
     chunk = *reinterpret_cast<Chunk**>(block);
   } else {
-    if (m_current == nullptr || m_current->size - m_current->used < total) {
-      // Chunks grow with the document: a small one wastes little, also when
-      // an art that outlives the document keeps its chunk.
-      const std::size_t size = m_current == nullptr ? kFirstChunkBytes : std::min(2 * m_current->size, kChunkBytes);
-      void* raw = std::malloc(offsetof(Chunk, data) + size);
-      if (raw == nullptr) throw std::bad_alloc();
-      StorageTally() += offsetof(Chunk, data) + size;
-      m_current = static_cast<Chunk*>(raw);
-      m_current->pool = this, m_current->live = 0, m_current->used = 0, m_current->size = size;
-      m_chunks.push_back(m_current);
+    auto room = [](const Chunk* c) { return c == nullptr ? 0 : c->size - c->used; };
+    // The tail of the chunk before the current one takes the blocks that
+    // fit it, so that a large block starting a chunk wastes little.
+    if (room(m_side) >= total) {
+      chunk = m_side;
+    } else {
+      if (room(m_current) < total) {
+        // Chunks grow with the document: a small one wastes little, also
+        // when an art that outlives the document keeps its chunk.
+        const std::size_t size = m_current == nullptr ? kFirstChunkBytes : std::min(2 * m_current->size, kChunkBytes);
+        void* raw = std::malloc(offsetof(Chunk, data) + size);
+        if (raw == nullptr) throw std::bad_alloc();
+        StorageTally() += offsetof(Chunk, data) + size;
+        if (room(m_current) > room(m_side)) m_side = m_current;
+        m_current = static_cast<Chunk*>(raw);
+        m_current->pool = this, m_current->live = 0, m_current->used = 0, m_current->size = size;
+        m_chunks.push_back(m_current);
+      }
+      chunk = m_current;
     }
-    chunk = m_current;
     block = chunk->data + chunk->used;
     chunk->used += total;
     *reinterpret_cast<Chunk**>(block) = chunk;

@@ -56,7 +56,8 @@ class DrawingPool {
  private:
   static constexpr std::size_t kClasses = 4096 / 8 + 1;
   std::vector<Chunk*> m_chunks;
-  Chunk* m_current = nullptr;
+  Chunk* m_current = nullptr;  // blocks are cut from here
+  Chunk* m_side = nullptr;     // the tail of an earlier chunk, for blocks that fit it
   std::array<void*, kClasses> m_free{};  // freed blocks by size / 8
 };
 

@@ -207,7 +207,7 @@ double CRvPath::GetArea() const {
     return 0.0;
   }
   if (records.empty()) return 0.0;
-  return OrientationSum(MakeCoarsePolyline(records.data(), int32_t(records.size()), StartSegment(), &m_matrix));
+  return OrientationSum(MakeCoarsePolyline(records.data(), int32_t(records.size()), StartSegment(), &Matrix()));
 }
 
 void CRvCompound::SortChildren() {

@@ -100,7 +100,7 @@ void CRvArtSort::copyToInsideList(std::vector<RVINSIDEPATH>& list) const {
 
 int32_t CRvArtSort::BlockKeyOfArt(void* handle) const {
   CRvArt* art = ArtOf(handle);
-  const RVRIFMATRIX artMatrix = art->m_matrix;
+  const RVRIFMATRIX artMatrix = art->Matrix();
   CRvArt* holder = art;
   if (art->GetType() == kArtCompound) {
     static_cast<CRvCompound*>(art)->SortChildren();
@@ -195,7 +195,7 @@ void CRvBlockBubbleSort::Refine(void* context) {
     const CRvBezier* b = FirstBezier(art);
     RVPOINT p{0.0, 0.0};
     if (b != nullptr && b->GetPointCount() > 0) p = b->GetPoint(0).anchor;
-    return Apply(m_matrix, Apply(art->m_matrix, p));
+    return Apply(m_matrix, Apply(art->Matrix(), p));
   };
   auto endOf = [&](void* handle) {
     const CRvArt* art = ArtOf(handle);
@@ -205,7 +205,7 @@ void CRvBlockBubbleSort::Refine(void* context) {
       const int32_t n = b->GetPointCount();
       p = PathIsClosed(art) ? b->GetPoint(int32_t(b->StartSegment()) % n).anchor : b->GetPoint(n - 1).anchor;
     }
-    return Apply(m_matrix, Apply(art->m_matrix, p));
+    return Apply(m_matrix, Apply(art->Matrix(), p));
   };
   const std::size_t total = m_entries.size();
   RefineByNearestStart(m_entries, pen, startOf, endOf,
