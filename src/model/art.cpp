@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 #include "frame/error_codes.h"
 #include "frame/frame.h"
@@ -50,7 +51,7 @@ void CRvArt::SetMatrix(const RVRIFMATRIX& matrix) {
   } else if (m_matrix) {
     *m_matrix = matrix;
   } else {
-    m_matrix = std::make_unique<RVRIFMATRIX>(matrix);
+    m_matrix.reset(new (AllocateDrawing(sizeof(RVRIFMATRIX))) RVRIFMATRIX(matrix));
   }
 }
 

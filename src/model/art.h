@@ -159,8 +159,12 @@ class CRvArt {
   int m_attrOwned = 0;
 
  private:
+  struct MatrixDeleter {
+    void operator()(RVRIFMATRIX* m) const noexcept { FreeDrawing(m, sizeof *m); }
+  };
   // Held only when it isn't the identity, bit for bit: most arts keep it.
-  std::unique_ptr<RVRIFMATRIX> m_matrix;
+  // In the drawing's storage, as the art is.
+  std::unique_ptr<RVRIFMATRIX, MatrixDeleter> m_matrix;
 
  public:
 
