@@ -107,6 +107,7 @@ DrawingPool::~DrawingPool() {
 }
 
 void* AllocateDrawing(std::size_t bytes) {
+  if (bytes > std::size_t(PTRDIFF_MAX)) throw std::bad_alloc();  // no block size can hold it
   DrawingPool* pool = CurrentDrawingPool();
   void* p = pool != nullptr ? pool->Allocate(bytes) : nullptr;
   if (p == nullptr) {
