@@ -36,16 +36,21 @@ RVBEZIERPOINT Mapped(const RVRIFMATRIX& m, RVBEZIERPOINT p) {
 
 }  // namespace
 
-CoarsePolyline PathPolyline(CRvArt* path, bool withMatrix) {
+PathRecords ReadPathRecords(CRvArt* path) {
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* component = store.GetArtFirstChild(path);
   if (component == nullptr) Raise(kErrNullPath);
   if (component->GetType() != kArtBezier) Raise(kErrPathKind);
-  const int16_t start = store.GetPathStartSegment(path);
-  const RVRIFMATRIX matrix = store.GetArtMatrix(path);
-  const std::vector<RVBEZIERPOINT> records = ReadRecords(store, component);
-  return MakeCoarsePolyline(records.data(), int32_t(records.size()), uint16_t(start),
-                            withMatrix ? &matrix : nullptr);
+  PathRecords out;
+  out.start = uint16_t(store.GetPathStartSegment(path));
+  out.matrix = store.GetArtMatrix(path);
+  out.records = ReadRecords(store, component);
+  return out;
+}
+
+CoarsePolyline PathPolyline(CRvArt* path, bool withMatrix) {
+  const PathRecords r = ReadPathRecords(path);
+  return MakeCoarsePolyline(r.records.data(), int32_t(r.records.size()), r.start, withMatrix ? &r.matrix : nullptr);
 }
 
 int32_t JudgeClockwise(CRvArt* component) {

@@ -17,6 +17,16 @@
 
 namespace rv {
 
+/// What the coarse polyline of a path is made of: the records of its first
+/// component (a Bezier), the start segment and the path's matrix. Raises as
+/// PathPolyline does.
+struct PathRecords {
+  std::vector<RVBEZIERPOINT> records;
+  int32_t start = 0;
+  RVRIFMATRIX matrix{};
+};
+PathRecords ReadPathRecords(CRvArt* path);
+
 /// The coarse polyline of a path art: its first component (a Bezier), from
 /// the path's start segment round, anchors mapped by the path's matrix when
 /// `withMatrix`. Raises 0x06001001 for a null path, 0x05000D01 when it has no
@@ -44,6 +54,14 @@ void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert);
 inline void JudgeInsideOutside(std::vector<RVINSIDEPATH>& paths, bool invert) {
   JudgeInsideOutside(paths.data(), paths.size(), invert);
 }
+
+/// The flags of JudgeInsideOutside, with the array left in its order. Paths
+/// of straight segments are judged by their corners (StraightOutline) and
+/// their polylines made only where that can't decide; their areas bound
+/// the order by area, and exact areas are taken only where a path lies
+/// inside another of nearly its area. Falls back to JudgeInsideOutside
+/// (sorting the array) where a path can't be read, to fail as it fails.
+void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert);
 
 /// The plain algorithm: an exchange sort that computes both areas at every
 /// comparison, and the full inside test of every pair. Kept as the measure

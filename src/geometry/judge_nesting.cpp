@@ -2,13 +2,16 @@
 // fast.
 #include <algorithm>
 #include <cmath>
+#include <memory>
 #include <numeric>
+#include <optional>
 #include <utility>
 
 #include "frame/error_codes.h"
 #include "frame/frame.h"
 #include "geometry/judge.h"
 #include "geometry/judge_shape.h"
+#include "geometry/straight_outline.h"
 
 namespace rv {
 
@@ -20,7 +23,192 @@ void InvertAll(RVINSIDEPATH* paths, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) Flip(paths[i].inside);
 }
 
+// One path of the flags-only judgment: its outline when its segments are
+// straight, else (or once the outline can't decide) its polyline as a
+// NestingShape, with bounds of its absolute area (equal once exact).
+struct NestItem {
+  CRvArt* art = nullptr;
+  std::optional<StraightOutline> outline;
+  std::unique_ptr<NestingShape> shape;
+  double low = 0, high = 0;
+  PlainBox reach, probes;
+};
+
+// The inside test of the polylines of two straight outlines, 1 or 0; -1
+// when it takes the polylines themselves. Every point of the inner polyline
+// lies within its tolerance of a segment, and where a segment doesn't come
+// near the outer polygon all its points lie in one region of the outer
+// polyline, that of its corners. Only the points of segments that come near
+// are asked one by one, and those near the outer polygon by its chords.
+int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
+  const double near = inner.Tolerance() + outer.Tolerance() + 1e-9 * (inner.Scale() + outer.Scale() + 1.0);
+  for (std::size_t k = 0; k < inner.CornerCount(); ++k) {
+    if (outer.Winds(inner.Corner(k), near) == 0) return 0;
+  }
+  bool undecided = false;
+  for (std::size_t k = 0; k < inner.CornerCount(); ++k) {
+    if (!outer.Touches(inner.Corner(k), inner.Corner(k + 1), near)) continue;
+    const std::vector<RVPOINT>& points = inner.SegmentPoints(k);
+    for (std::size_t m = 0; m + 1 < points.size(); ++m) {
+      int winds = outer.Winds(points[m], near);
+      if (winds < 0) winds = outer.ChordsInside(points[m], near);
+      if (winds == 0) return 0;
+      if (winds < 0) undecided = true;
+    }
+  }
+  return undecided ? -1 : 1;
+}
+
+class NestingFlags {
+ public:
+  explicit NestingFlags(std::vector<NestItem> items) : m_items(std::move(items)) {}
+
+  /// The flags after the nesting pass, from the flags given.
+  std::vector<int32_t> Run(const RVINSIDEPATH* paths);
+
+ private:
+  std::vector<NestItem> m_items;
+
+  const NestingShape& Shape(std::size_t k);
+  /// Whether x comes before y in the order of the judgment: larger area
+  /// first, equal areas in the order given.
+  bool Before(std::size_t x, std::size_t y);
+  bool Inside(std::size_t inner, std::size_t outer);
+};
+
+const NestingShape& NestingFlags::Shape(std::size_t k) {
+  NestItem& item = m_items[k];
+  if (!item.shape) {
+    // Straight outlines were checked to flatten within the point limit.
+    CoarsePolyline line = PathPolyline(item.art);
+    item.low = item.high = std::fabs(OrientationSum(line));
+    item.shape = std::make_unique<NestingShape>(std::move(line));
+  }
+  return *item.shape;
+}
+
+bool NestingFlags::Before(std::size_t x, std::size_t y) {
+  if (m_items[x].low > m_items[y].high) return true;
+  if (m_items[x].high < m_items[y].low) return false;
+  Shape(x);
+  Shape(y);
+  if (m_items[x].low != m_items[y].low) return m_items[x].low > m_items[y].low;
+  return x < y;
+}
+
+bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
+  const NestItem& in = m_items[inner];
+  const NestItem& out = m_items[outer];
+  if (in.outline && out.outline) {
+    const int sure = OutlineInside(*in.outline, *out.outline);
+    if (sure >= 0) return sure == 1;
+  }
+  const NestingShape& shapeIn = Shape(inner);
+  return shapeIn.InsideOf(Shape(outer));
+}
+
+std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
+  const std::size_t count = m_items.size();
+  std::vector<PlainBox> reaches(count);
+  for (std::size_t k = 0; k < count; ++k) reaches[k] = m_items[k].reach;
+  const BoxTree tree(reaches);
+  // containers[first[j] .. first[j + 1]): the paths before j that hold j.
+  std::vector<uint32_t> first(count + 1, 0), containers, found;
+  for (std::size_t j = 0; j < count; ++j) {
+    first[j] = uint32_t(containers.size());
+    const NestItem& inner = m_items[j];
+    if (inner.outline || inner.shape->CanBeInside()) {
+      const PlainBox probes = inner.probes;
+      found.clear();
+      tree.Stab(probes.left, probes.bottom, [&](std::size_t i) {
+        if (i != j && reaches[i].Holds(probes.right, probes.top) && !(m_items[i].high < m_items[j].low)) {
+          found.push_back(uint32_t(i));
+        }
+      });
+      for (uint32_t i : found) {
+        if (Inside(j, i) && Before(i, j)) containers.push_back(i);
+      }
+      std::sort(containers.begin() + first[j], containers.end(),
+                [&](uint32_t x, uint32_t y) { return Before(x, y); });
+    }
+  }
+  first[count] = uint32_t(containers.size());
+  // A path's flag is final once the paths before it are done; each flips it
+  // when its flag equals it. Containers come before their paths, so a walk
+  // that settles the containers first never loops.
+  std::vector<int32_t> flags(count);
+  std::vector<uint8_t> done(count, 0);
+  std::vector<uint32_t> stack;
+  for (std::size_t root = 0; root < count; ++root) {
+    stack.assign(1, uint32_t(root));
+    while (!stack.empty()) {
+      const uint32_t j = stack.back();
+      if (done[j] != 0) {
+        stack.pop_back();
+        continue;
+      }
+      bool ready = true;
+      for (uint32_t c = first[j]; c < first[j + 1]; ++c) {
+        if (done[containers[c]] == 0) {
+          stack.push_back(containers[c]);
+          ready = false;
+        }
+      }
+      if (!ready) continue;
+      int32_t flag = paths[j].inside;
+      for (uint32_t c = first[j]; c < first[j + 1]; ++c) {
+        if (flags[containers[c]] == flag) Flip(flag);
+      }
+      flags[j] = flag;
+      done[j] = 1;
+      stack.pop_back();
+    }
+  }
+  return flags;
+}
+
 }  // namespace
+
+void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert) {
+  if (count < 2) {
+    if (invert) InvertAll(paths, count);
+    return;
+  }
+  std::vector<NestItem> items(count);
+  bool plain = false;
+  const uint32_t code = Guard([&] {
+    for (std::size_t k = 0; k < count && !plain; ++k) {
+      NestItem& item = items[k];
+      item.art = ArtOf(paths[k].art);
+      if (item.art == nullptr || item.art->GetType() != kArtPath) Raise(kErrPathKind);
+      const PathRecords r = ReadPathRecords(item.art);
+      StraightOutline outline;
+      if (outline.Make(r.records.data(), int32_t(r.records.size()), r.start, &r.matrix)) {
+        item.low = outline.AreaLow();
+        item.high = outline.AreaHigh();
+        item.reach = outline.Reach();
+        item.probes = outline.Box();
+        item.outline = std::move(outline);
+        continue;
+      }
+      CoarsePolyline line = MakeCoarsePolyline(r.records.data(), int32_t(r.records.size()), r.start, &r.matrix);
+      item.low = item.high = std::fabs(OrientationSum(line));
+      item.shape = std::make_unique<NestingShape>(std::move(line));
+      // Areas that don't compare, and shapes that the boxes can't place,
+      // are left to the full judgment.
+      if (std::isnan(item.low) || !item.shape->Boxed()) plain = true;
+      item.reach = item.shape->Reach();
+      item.probes = item.shape->Probes();
+    }
+  });
+  if (code != 0 || plain) {
+    JudgeInsideOutside(paths, count, invert);
+    return;
+  }
+  const std::vector<int32_t> flags = NestingFlags(std::move(items)).Run(paths);
+  for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
+  if (invert) InvertAll(paths, count);
+}
 
 void JudgeInsideOutsidePlain(RVINSIDEPATH* paths, std::size_t count, bool invert) {
   // Exchange sort, largest absolute area first; equal areas keep their order.

@@ -67,63 +67,27 @@ NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
   // shapes of a drawing never hold another's probes.
 }
 
-std::size_t NestingShape::BandOf(double y) const {
-  const std::size_t bands = m_bandStart.size() - 1;
-  if (bands == 1 || !(y > m_box.bottom)) return 0;
-  const double k = std::floor((y - m_box.bottom) / m_bandHeight);
-  return k >= double(bands - 1) ? bands - 1 : std::size_t(k);
-}
-
-void NestingShape::MakeBands() const {
-  const double height = m_box.top - m_box.bottom;
-  // An edge belongs to every band that its height touches, widened by far
-  // more than the distance at which a point counts as near it; so a point's
-  // band holds every edge that crosses its horizontal or that it is near.
-  const double widen = 1e-8 * ((m_box.right - m_box.left) + height);
-  auto range = [&](const RVPOINT& a, const RVPOINT& b) {
-    return std::pair{BandOf((a.y < b.y ? a.y : b.y) - widen), BandOf((a.y < b.y ? b.y : a.y) + widen)};
-  };
-  // As many bands as there are pairs of edges, fewer when steep edges would
-  // sit in too many of them, down to one band that holds every edge.
-  const std::size_t budget = 8 * m_edgeCount + 64;
-  std::size_t bands = m_edgeCount / 2 + 1;
-  for (;;) {
-    m_bandStart.assign(bands + 1, 0);
-    m_bandHeight = height / double(bands);
-    if (bands == 1 || !(m_bandHeight > 0)) {
-      m_bandStart.assign({0, 0});
-      break;
-    }
-    std::size_t entries = 0;
-    ForEachEdge([&](const RVPOINT& a, const RVPOINT& b) {
-      const auto [low, high] = range(a, b);
-      entries += high - low + 1;
+const EdgeBands& NestingShape::Bands() const {
+  if (m_bands.Empty()) {
+    // An edge sits in every band that its height touches, widened by far
+    // more than the distance at which a point counts as near it; so a
+    // point's band holds every edge that crosses its horizontal or that it
+    // is near.
+    const double widen = 1e-8 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom));
+    m_bands.Make(m_box.bottom, m_box.top, widen, m_edgeCount, [&](auto&& f) {
+      m_line.ForEachEdgeAt([&](std::size_t k) { f(k, m_line.points[k], m_line.points[k + 1]); });
     });
-    if (entries <= budget) break;
-    bands /= 2;
   }
-  bands = m_bandStart.size() - 1;
-  ForEachEdge([&](const RVPOINT& a, const RVPOINT& b) {
-    const auto [low, high] = range(a, b);
-    for (std::size_t k = low; k <= high; ++k) ++m_bandStart[k + 1];
-  });
-  for (std::size_t k = 0; k < bands; ++k) m_bandStart[k + 1] += m_bandStart[k];
-  m_bandEdges.resize(m_bandStart[bands]);
-  std::vector<uint32_t> fill(m_bandStart.begin(), m_bandStart.end() - 1);
-  const auto& pts = m_line.points;
-  m_line.ForEachEdgeAt([&](std::size_t e) {
-    const auto [low, high] = range(pts[e], pts[e + 1]);
-    for (std::size_t k = low; k <= high; ++k) m_bandEdges[fill[k]++] = uint32_t(e);
-  });
+  return m_bands;
 }
 
 int NestingShape::CrossingInside(const RVPOINT& q) const {
-  if (m_bandStart.empty()) MakeBands();
+  const EdgeBands& bands = Bands();
   int winding = 0;
-  const std::size_t band = BandOf(q.y);
+  const std::size_t band = bands.BandOf(q.y);
   const RVPOINT* pts = m_line.points.data();
-  const uint32_t* edge = m_bandEdges.data() + m_bandStart[band];
-  const uint32_t* end = m_bandEdges.data() + m_bandStart[band + 1];
+  const uint32_t* edge = bands.begin(band);
+  const uint32_t* end = bands.end(band);
   for (; edge != end; ++edge) {
     const RVPOINT& a = pts[*edge];
     const RVPOINT& b = pts[*edge + 1];
@@ -169,7 +133,7 @@ int NestingShape::AngleSumInside(const RVPOINT& q) const {
   // their own atan2 is trusted; these take their angle as the plain sum
   // does. Only the edges of q's band can cross the cut or be such edges.
   if (!m_finite || !std::isfinite(q.x) || !std::isfinite(q.y) || m_line.points.empty()) return -1;
-  if (m_bandStart.empty()) MakeBands();
+  const EdgeBands& bands = Bands();
   const RVPOINT* pts = m_line.points.data();
   auto phi = [&](const RVPOINT& p) { return std::atan2(p.y - q.y, p.x - q.x); };
   double sum = 0.0;
@@ -193,10 +157,10 @@ int NestingShape::AngleSumInside(const RVPOINT& q) const {
     sum += phi(*last) - phi(*first);
     ++own;
   }
-  const std::size_t band = BandOf(q.y);
-  for (std::size_t e = m_bandStart[band]; e < m_bandStart[band + 1]; ++e) {
-    const RVPOINT& a = pts[m_bandEdges[e]];
-    const RVPOINT& b = pts[m_bandEdges[e] + 1];
+  const std::size_t band = bands.BandOf(q.y);
+  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
+    const RVPOINT& a = pts[*e];
+    const RVPOINT& b = pts[*e + 1];
     const double ux = a.x - q.x, uy = a.y - q.y;
     const double vx = b.x - q.x, vy = b.y - q.y;
     const double cross = ux * vy - uy * vx;

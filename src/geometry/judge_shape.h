@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "geometry/box_tree.h"
+#include "geometry/edge_bands.h"
 #include "geometry/judge_polyline.h"
 
 namespace rv {
@@ -62,17 +63,12 @@ class NestingShape {
   Box m_box;                     // of all points
   double m_margin = 0;           // a point this far outside the box is surely outside
   Box m_probeBox;                // of the points that the path test asks about
-  // Horizontal bands over the box, made at the first point asked about:
-  // band k holds its edges, each as the index of its first point, in
-  // m_bandEdges[m_bandStart[k] .. m_bandStart[k + 1]).
-  mutable double m_bandHeight = 0;
-  mutable std::vector<uint32_t> m_bandStart;
-  mutable std::vector<uint32_t> m_bandEdges;
+  // Horizontal bands over the box, made at the first point asked about.
+  mutable EdgeBands m_bands;
 
   template <class F>
   void ForEachEdge(F&& f) const;
-  std::size_t BandOf(double y) const;
-  void MakeBands() const;
+  const EdgeBands& Bands() const;
 };
 
 /// The nesting pass of the judgment over shapes in its order (largest area

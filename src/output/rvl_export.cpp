@@ -284,8 +284,8 @@ void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list) {
     return first == nullptr || first->GetType() != kArtBezier;
   });
   // Largest area first (the order of the exchange sort, equal areas kept),
-  // then the nesting parity; JudgeInsideOutside gives exactly that.
-  JudgeInsideOutside(list, m_param.swapInsideOutside != 0);
+  // then the nesting parity; only the flags are needed here.
+  JudgeNestingFlags(list.data(), list.size(), m_param.swapInsideOutside != 0);
   CRvDataAccess& store = CRvDataAccess::Instance();
   for (const RVINSIDEPATH& e : list) {
     if (e.inside != 0) store.SetArtTag(ArtOf(e.art), kInsidePathTag, "");

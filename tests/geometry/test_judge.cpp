@@ -230,12 +230,54 @@ int ExpectSameAsPlain(const std::vector<void*>& paths, bool invert, uint32_t cod
   fast.push_back({nullptr, 0});
   EXPECT_EQ(RvMiJudgeInsideOutsidePath(fast.data(), invert), code);
   EXPECT_EQ(Guard([&] { JudgeInsideOutsidePlain(plain.data(), plain.size(), invert); }), code);
+  // The flags-only judgment leaves the array in its order.
+  std::vector<RVINSIDEPATH> flags;
+  for (void* p : paths) flags.push_back({p, 0});
+  EXPECT_EQ(Guard([&] { JudgeNestingFlags(flags.data(), flags.size(), invert); }), code);
   int holes = 0;
   for (std::size_t i = 0; i < plain.size(); ++i) {
     EXPECT_EQ((std::pair{fast[i].art, fast[i].inside}), (std::pair{plain[i].art, plain[i].inside})) << i;
     holes += plain[i].inside != (invert ? 1 : 0);
+    if (code != 0) continue;
+    const auto same = std::find_if(flags.begin(), flags.end(), [&](const auto& e) { return e.art == plain[i].art; });
+    EXPECT_EQ(same->inside, plain[i].inside) << "flags only, " << i;
   }
   return holes;
+}
+
+// Straight pieces as a nesting program draws them: a cut line; a sew line
+// inside that shares some of its corners and sides; notches from the cut
+// line inward; a label; neighbours that share a side; an exact copy; a line
+// across; long sides of many chords, at coordinates that don't round
+// evenly.
+std::vector<void*> PieceScene(unsigned seed) {
+  std::mt19937 rng(seed);
+  std::uniform_int_distribution<int> pick(0, 3);
+  std::vector<void*> paths;
+  auto line = [&](RVPOINT a, RVPOINT b) { paths.push_back(PathOf({Corner(a.x, a.y), Corner(b.x, b.y)}, 0)); };
+  for (int p = 0; p < 8; ++p) {
+    const double w = 60.0 + 0.025 * pick(rng), h = p == 7 ? 2000.125 : 45.075;
+    const double x0 = 10.225 + (p % 4) * w, y0 = 10.175 + (p / 4) * 50.0;
+    const double midX = x0 + w / 2;
+    // The middle of the top side is a corner that doesn't turn.
+    const std::vector<RVPOINT> cut = {{x0, y0}, {x0, y0 + h}, {midX, y0 + h}, {x0 + w, y0 + h}, {x0 + w, y0}};
+    std::vector<RVPOINT> sew = cut;
+    for (std::size_t k = 0; k < sew.size(); ++k) {
+      if (pick(rng) == 0) continue;  // shared with the cut line
+      sew[k].x += k < 3 ? 1.0 : -1.0;
+      sew[k].y += (k == 0 || k == 4) ? 1.0 : (k == 2 ? 0.0 : -1.0);
+    }
+    paths.push_back(Polygon(cut));
+    paths.push_back(Polygon(sew));
+    if (p == 2) paths.push_back(Polygon(cut));  // a copy: the same area
+    line({midX, y0 + h}, {midX, y0 + h - 3.0});
+    line({x0, y0 + h / 3}, {x0 + 2.5, y0 + h / 3});
+    line({x0 + w, y0 + 5.0}, {x0 + w - 2.0, y0 + 5.0 + pick(rng)});
+    paths.push_back(Square(x0 + 20.0, y0 + 12.5, 4.0 + pick(rng)));
+    if (pick(rng) == 0) line({x0 - 5.0, y0 + 7.0}, {x0 + w + 5.0, y0 + 9.0});
+  }
+  std::shuffle(paths.begin(), paths.end(), rng);
+  return paths;
 }
 
 TEST_F(Judge, FastNestingMatchesThePlainAlgorithm) {
@@ -252,6 +294,10 @@ TEST_F(Judge, FastNestingMatchesThePlainAlgorithm) {
   std::vector<void*> held = MakeScene(25, 4, 4);
   held.insert(held.begin() + 50, Square(-20, -20, 200));
   EXPECT_GT(ExpectSameAsPlain(held, false, 0), 50);
+  for (unsigned seed : {5u, 6u, 7u, 8u}) {
+    SCOPED_TRACE(seed);
+    EXPECT_GT(ExpectSameAsPlain(PieceScene(seed), seed % 2 == 0, 0), 15);
+  }
   // Squares that share a corner and two sides; a path without points.
   ExpectSameAsPlain({Square(0, 0, 10), PathOf({}), Square(0, 0, 5)}, false, 0);
   std::vector<void*> paths = MakeScene(2, 4, 9);

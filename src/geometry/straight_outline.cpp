@@ -1,0 +1,234 @@
+#include "geometry/straight_outline.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "geometry/affine.h"
+#include "geometry/curve_core.h"
+#include "geometry/judge_polyline.h"
+
+namespace rv {
+
+namespace {
+
+// Coordinates beyond this are left to the polyline itself.
+constexpr double kLargestCoordinate = 1e12;
+// Rounding unit of a double.
+constexpr double kUnit = std::numeric_limits<double>::epsilon() / 2;
+
+// Whether q lies within `near` of the segment a-b. The arithmetic errs by a
+// few rounding units of the coordinates, far less than the half of `near`
+// that the test allows on top.
+bool PointNear(const RVPOINT& q, const RVPOINT& a, const RVPOINT& b, double near) {
+  const double ex = b.x - a.x, ey = b.y - a.y;
+  const double qx = q.x - a.x, qy = q.y - a.y;
+  const double ee = ex * ex + ey * ey;
+  double t = ee > 0 ? (qx * ex + qy * ey) / ee : 0.0;
+  t = std::clamp(t, 0.0, 1.0);
+  const double dx = qx - t * ex, dy = qy - t * ey;
+  const double limit = 1.5 * near;
+  return dx * dx + dy * dy <= limit * limit;
+}
+
+// Side of r from the line p-q: +1 left, -1 right, 0 when the arithmetic
+// can't tell.
+int Side(const RVPOINT& p, const RVPOINT& q, const RVPOINT& r) {
+  const double ex = q.x - p.x, ey = q.y - p.y;
+  const double fx = r.x - p.x, fy = r.y - p.y;
+  const double cross = ex * fy - ey * fx;
+  const double error = 1e-14 * (std::fabs(ex * fy) + std::fabs(ey * fx));
+  if (cross > error) return 1;
+  if (cross < -error) return -1;
+  return 0;
+}
+
+}  // namespace
+
+bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, const RVRIFMATRIX* matrix) {
+  if (count <= 0) return false;
+  const auto n = std::size_t(count);
+  m_corners.clear();
+  m_corners.reserve(n + 1);
+  int32_t i = start % count;
+  if (i < 0) i += count;
+  auto anchorOf = [&](const RVBEZIERPOINT& r) { return matrix != nullptr ? Apply(*matrix, r.anchor) : r.anchor; };
+  double length = 0, chords = 0, sum = 0;
+  m_scale = 0;
+  for (std::size_t k = 0; k < n; ++k) {
+    const int32_t next = i + 1 >= count ? 0 : i + 1;
+    const RVPOINT a = anchorOf(records[i]), b = anchorOf(records[next]);
+    if (!SamePoint(records[i].out, a) || !SamePoint(records[next].in, b)) return false;
+    if (!(std::fabs(a.x) <= kLargestCoordinate && std::fabs(a.y) <= kLargestCoordinate)) return false;
+    // A piece is cut in halves while it is 2 units or longer, so a segment
+    // gives fewer than twice its length plus one chords.
+    const double d = Distance(a, b);
+    if (4.0 * (d + 2.0) >= double(kMaxFlattenPoints)) return false;
+    length += d;
+    chords += 4.0 * (d + 2.0);
+    sum += (b.x - a.x) * (b.y + a.y) * 0.5;
+    m_scale = std::max({m_scale, std::fabs(a.x), std::fabs(a.y)});
+    m_corners.push_back(a);
+    i = next;
+  }
+  m_corners.push_back(m_corners.front());
+  m_box = PlainBox{m_corners[0].x, m_corners[0].y, m_corners[0].x, m_corners[0].y};
+  for (const RVPOINT& p : m_corners) {
+    m_box.left = std::min(m_box.left, p.x);
+    m_box.right = std::max(m_box.right, p.x);
+    m_box.bottom = std::min(m_box.bottom, p.y);
+    m_box.top = std::max(m_box.top, p.y);
+  }
+  // Each halving moves a cut point off the segment by a few rounding units
+  // of the coordinates, and there are at most 64 halvings.
+  m_tolerance = 1e-12 * (m_scale + 1.0);
+  // The polyline's sum differs from the polygon's by the thin areas between
+  // each segment and its chords, and by the rounding of both sums.
+  const double magnitude = (m_scale + 1.0) * (length + 1.0);
+  const double slack = 4.0 * kUnit * magnitude * (chords + double(n) + 8.0) + 4.0 * m_tolerance * (length + 1.0);
+  m_areaLow = std::max(0.0, std::fabs(sum) - slack);
+  m_areaHigh = std::fabs(sum) + slack;
+  m_chords = chords;
+  m_bands = EdgeBands();
+  m_segmentPoints.clear();
+  return true;
+}
+
+PlainBox StraightOutline::Reach() const {
+  const double grow = 2.0 * m_tolerance + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0);
+  return PlainBox{m_box.left - grow, m_box.bottom - grow, m_box.right + grow, m_box.top + grow};
+}
+
+const EdgeBands& StraightOutline::Bands() const {
+  if (m_bands.Empty()) {
+    m_bands.Make(m_box.bottom, m_box.top, 0.0, CornerCount(), [&](auto&& f) {
+      for (std::size_t k = 0; k + 1 < m_corners.size(); ++k) f(k, m_corners[k], m_corners[k + 1]);
+    });
+  }
+  return m_bands;
+}
+
+template <class F>
+bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
+  const EdgeBands& bands = Bands();
+  const std::size_t last = bands.BandOf(high);
+  for (std::size_t band = bands.BandOf(low); band <= last; ++band) {
+    for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
+      if (f(m_corners[*e], m_corners[*e + 1])) return true;
+    }
+  }
+  return false;
+}
+
+int StraightOutline::Winds(const RVPOINT& q, double near) const {
+  if (q.x < m_box.left - near || q.x > m_box.right + near || q.y < m_box.bottom - near || q.y > m_box.top + near) {
+    return 0;
+  }
+  if (AnyEdgeNear(q.y - near, q.y + near, [&](const RVPOINT& a, const RVPOINT& b) { return PointNear(q, a, b, near); })) {
+    return -1;
+  }
+  // q is far from every edge: the crossings of its horizontal count.
+  const EdgeBands& bands = Bands();
+  const std::size_t band = bands.BandOf(q.y);
+  int winding = 0;
+  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
+    const RVPOINT& a = m_corners[*e];
+    const RVPOINT& b = m_corners[*e + 1];
+    const bool upFrom = a.y <= q.y;
+    if (upFrom == (b.y <= q.y)) continue;
+    const double cross = (a.x - q.x) * (b.y - a.y) - (a.y - q.y) * (b.x - a.x);
+    if (upFrom && cross > 0) ++winding;
+    if (!upFrom && cross < 0) --winding;
+  }
+  return winding != 0 ? 1 : 0;
+}
+
+bool StraightOutline::Touches(const RVPOINT& a, const RVPOINT& b, double near) const {
+  // Boxes grown by twice `near`: a corner that Winds finds near an edge is
+  // found here too.
+  const double grow = 2.0 * near;
+  const double left = std::min(a.x, b.x) - grow, right = std::max(a.x, b.x) + grow;
+  const double bottom = std::min(a.y, b.y) - grow, top = std::max(a.y, b.y) + grow;
+  if (right < m_box.left || left > m_box.right || top < m_box.bottom || bottom > m_box.top) return false;
+  return AnyEdgeNear(bottom, top, [&](const RVPOINT& c, const RVPOINT& d) {
+    if (std::max(c.x, d.x) < left || std::min(c.x, d.x) > right || std::max(c.y, d.y) < bottom ||
+        std::min(c.y, d.y) > top) {
+      return false;
+    }
+    if (PointNear(a, c, d, near) || PointNear(b, c, d, near) || PointNear(c, a, b, near) ||
+        PointNear(d, a, b, near)) {
+      return true;
+    }
+    const int s1 = Side(c, d, a), s2 = Side(c, d, b), s3 = Side(a, b, c), s4 = Side(a, b, d);
+    if (s1 == 0 || s2 == 0 || s3 == 0 || s4 == 0) return true;
+    return s1 != s2 && s3 != s4;
+  });
+}
+
+const std::vector<RVPOINT>& StraightOutline::SegmentPoints(std::size_t k) const {
+  if (m_segmentPoints.empty()) m_segmentPoints.resize(CornerCount());
+  std::vector<RVPOINT>& points = m_segmentPoints[k];
+  if (points.empty()) {
+    // The handles of a straight segment sit on their anchors.
+    const RVBEZIERPOINT a{m_corners[k], m_corners[k], m_corners[k], 0};
+    const RVBEZIERPOINT b{m_corners[k + 1], m_corners[k + 1], m_corners[k + 1], 0};
+    CurveToPoints(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, points);
+  }
+  return points;
+}
+
+int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
+  // The winding angle is the sum of the angles that the chords span seen
+  // from q. The angle of a chord u-v that passes q at a distance is
+  // phi(v) - phi(u) + 2 pi k, phi the direction from q and k the turn by
+  // which it crosses the ray from q towards -x; over a segment far from q
+  // its chords span what the segment spans, and over the closed polygon the
+  // phi terms cancel, also within a segment. So only the chords near q take
+  // their own angle, as the polyline's test takes it, less their phi terms;
+  // the rest give their turns.
+  auto phi = [&](const RVPOINT& p) { return std::atan2(p.y - q.y, p.x - q.x); };
+  long turns = 0;
+  auto turn = [&](const RVPOINT& a, const RVPOINT& b) {
+    const double uy = a.y - q.y, vy = b.y - q.y;
+    if ((uy < 0.0) == (vy < 0.0)) return;
+    const double cross = (a.x - q.x) * (b.y - a.y) - (a.y - q.y) * (b.x - a.x);
+    if (uy < 0.0 && cross < 0.0) --turns;  // up across the ray left of q
+    if (uy >= 0.0 && cross > 0.0) ++turns;  // down across it
+  };
+  std::vector<uint32_t> nearEdges;
+  AnyEdgeNear(q.y - near, q.y + near, [&](const RVPOINT& a, const RVPOINT& b) {
+    if (PointNear(q, a, b, near)) nearEdges.push_back(uint32_t(&a - m_corners.data()));
+    return false;
+  });
+  std::sort(nearEdges.begin(), nearEdges.end());
+  nearEdges.erase(std::unique(nearEdges.begin(), nearEdges.end()), nearEdges.end());
+  const EdgeBands& bands = Bands();
+  const std::size_t band = bands.BandOf(q.y);
+  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
+    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), *e)) turn(m_corners[*e], m_corners[*e + 1]);
+  }
+  double sum = 0.0;
+  for (uint32_t k : nearEdges) {
+    const std::vector<RVPOINT>& points = SegmentPoints(k);
+    for (std::size_t c = 0; c + 1 < points.size(); ++c) {
+      const RVPOINT& u = points[c];
+      const RVPOINT& v = points[c + 1];
+      if (PointNear(q, u, v, near)) {
+        sum += AngleOfThreePoints(u, q, v) - (phi(v) - phi(u));
+      } else {
+        turn(u, v);
+      }
+    }
+  }
+  sum += 2.0 * std::numbers::pi * double(turns);
+  // The polyline's own sum differs from this one by the rounding of its
+  // angles and of its partial sums.
+  const double terms = m_chords + double(CornerCount()) + 8.0;
+  const double slack = 8.0 * kUnit * std::numbers::pi * terms * (terms + 4.0);
+  if (std::fabs(sum) > kHalfTurnF + slack) return 1;
+  if (std::fabs(sum) < kHalfTurnF - slack) return 0;
+  return -1;
+}
+
+}  // namespace rv

@@ -1,0 +1,79 @@
+// A path whose segments are all straight lines, judged by its corners.
+//
+// The coarse polyline of a straight segment longer than a chord is the
+// segment cut in halves until every piece is short enough, each cut point
+// computed by the curve arithmetic; those points stray from the segment by
+// rounding only. So the coarse polyline of such a path lies within
+// Tolerance() of the polygon of its corners, and where a point is farther
+// than that (and a little more) from the polygon, the polyline winds round it
+// exactly as the polygon does: the polygon answers for the polyline there
+// without the polyline being made. Its area bounds the polyline's area.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "geometry/box_tree.h"
+#include "geometry/edge_bands.h"
+#include "rvdataaccess.h"
+
+namespace rv {
+
+class StraightOutline {
+ public:
+  /// The outline of `count` records walked from `start` as the coarse
+  /// polyline walks them, anchors mapped by `matrix` when given and handles
+  /// as stored. False when it can't stand for the polyline: no records, a
+  /// handle off its anchor, a coordinate not finite or beyond 1e12, or a
+  /// segment so long that its flattening could near the point limit.
+  bool Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, const RVRIFMATRIX* matrix);
+
+  /// Bounds of the absolute orientation sum of the coarse polyline.
+  double AreaLow() const { return m_areaLow; }
+  double AreaHigh() const { return m_areaHigh; }
+  /// How far the coarse polyline may stray from the polygon.
+  double Tolerance() const { return m_tolerance; }
+  /// The largest absolute coordinate of a corner.
+  double Scale() const { return m_scale; }
+  /// The corners' box: the corners are points of the polyline too.
+  PlainBox Box() const { return m_box; }
+  /// A box that holds every point of the polyline, grown by the margin by
+  /// which a polyline's own inside test rejects a point outside its box.
+  PlainBox Reach() const;
+  std::size_t CornerCount() const { return m_corners.size() - 1; }
+  const RVPOINT& Corner(std::size_t k) const { return m_corners[k]; }
+
+  /// Whether the polygon winds round `q`: 1 or 0; -1 when q lies within
+  /// `near` of an edge.
+  int Winds(const RVPOINT& q, double near) const;
+  /// Whether the segment a-b comes within `near` of an edge (or so close to
+  /// that the arithmetic can't tell).
+  bool Touches(const RVPOINT& a, const RVPOINT& b, double near) const;
+  /// For a point q within `near` of the polygon: the inside test of the
+  /// coarse polyline (its winding angle against the threshold), 1 or 0,
+  /// taken from the chords of the segments near q and the crossings of the
+  /// others; -1 when the angle lies too close to the threshold to tell.
+  int ChordsInside(const RVPOINT& q, double near) const;
+  /// The points of the coarse polyline for segment k: corner k, the chords'
+  /// ends, corner k + 1 last.
+  const std::vector<RVPOINT>& SegmentPoints(std::size_t k) const;
+
+ private:
+  std::vector<RVPOINT> m_corners;  // in walk order, the first again at the end
+  PlainBox m_box;
+  double m_scale = 0;
+  double m_tolerance = 0;
+  double m_areaLow = 0, m_areaHigh = 0;
+  double m_chords = 0;        // more than the chords of the polyline
+  mutable EdgeBands m_bands;  // made at the first point asked about
+  mutable std::vector<std::vector<RVPOINT>> m_segmentPoints;  // made as asked for
+
+  const EdgeBands& Bands() const;
+  /// f(a, b) for each edge in the bands that [low, high] touches, until f
+  /// returns true; whether one did.
+  template <class F>
+  bool AnyEdgeNear(double low, double high, F&& f) const;
+};
+
+}  // namespace rv
