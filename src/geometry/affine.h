@@ -13,6 +13,12 @@ inline RVPOINT Apply(const RVRIFMATRIX& m, const RVPOINT& p) {
   return RVPOINT{m.a * p.x + m.c * p.y + m.tx, m.b * p.x + m.d * p.y + m.ty};
 }
 
+/// Whether Apply(m, p) gives p back for every finite p but one with a -0
+/// coordinate.
+inline bool IsIdentity(const RVRIFMATRIX& m) {
+  return m.a == 1.0 && m.b == 0.0 && m.c == 0.0 && m.d == 1.0 && m.tx == 0.0 && m.ty == 0.0;
+}
+
 inline double Distance(const RVPOINT& p, const RVPOINT& q) {
   const double dx = q.x - p.x, dy = q.y - p.y;
   return std::sqrt(dx * dx + dy * dy);

@@ -36,21 +36,22 @@ RVBEZIERPOINT Mapped(const RVRIFMATRIX& m, RVBEZIERPOINT p) {
 
 }  // namespace
 
-PathRecords ReadPathRecords(CRvArt* path) {
+const CRvBezier& PathBezier(CRvArt* path, int32_t& start, RVRIFMATRIX& matrix) {
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* component = store.GetArtFirstChild(path);
   if (component == nullptr) Raise(kErrNullPath);
   if (component->GetType() != kArtBezier) Raise(kErrPathKind);
-  PathRecords out;
-  out.start = uint16_t(store.GetPathStartSegment(path));
-  out.matrix = store.GetArtMatrix(path);
-  out.records = ReadRecords(store, component);
-  return out;
+  start = uint16_t(store.GetPathStartSegment(path));
+  matrix = store.GetArtMatrix(path);
+  return *static_cast<const CRvBezier*>(component);
 }
 
 CoarsePolyline PathPolyline(CRvArt* path, bool withMatrix) {
-  const PathRecords r = ReadPathRecords(path);
-  return MakeCoarsePolyline(r.records.data(), int32_t(r.records.size()), r.start, withMatrix ? &r.matrix : nullptr);
+  int32_t start = 0;
+  RVRIFMATRIX matrix{};
+  const CRvBezier& bezier = PathBezier(path, start, matrix);
+  const int32_t count = bezier.GetPointCount();
+  return MakeCoarsePolyline(count > 0 ? &bezier.GetPoint(0) : nullptr, count, start, withMatrix ? &matrix : nullptr);
 }
 
 int32_t JudgeClockwise(CRvArt* component) {

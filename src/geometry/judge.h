@@ -17,15 +17,9 @@
 
 namespace rv {
 
-/// What the coarse polyline of a path is made of: the records of its first
-/// component (a Bezier), the start segment and the path's matrix. Raises as
-/// PathPolyline does.
-struct PathRecords {
-  std::vector<RVBEZIERPOINT> records;
-  int32_t start = 0;
-  RVRIFMATRIX matrix{};
-};
-PathRecords ReadPathRecords(CRvArt* path);
+/// The first component of a path art, which its coarse polyline is made
+/// of, with the path's start segment and matrix. Raises as PathPolyline does.
+const CRvBezier& PathBezier(CRvArt* path, int32_t& start, RVRIFMATRIX& matrix);
 
 /// The coarse polyline of a path art: its first component (a Bezier), from
 /// the path's start segment round, anchors mapped by the path's matrix when
@@ -48,7 +42,7 @@ bool JudgeInsidePath(CRvArt* path, CRvArt* outer);
 /// order), and flips `inside` of each path that lies inside an earlier one
 /// with the same flag; with `invert` all flags flip at the end. Each path's
 /// area and polyline are computed once, and each path is tested only against
-/// the earlier paths whose boxes can hold it, found through a box tree
+/// the earlier paths whose boxes can hold it, found through a box grid
 /// (FlipNestedByIndex); the result is exactly that of the plain algorithm.
 void JudgeInsideOutside(RVINSIDEPATH* paths, std::size_t count, bool invert);
 inline void JudgeInsideOutside(std::vector<RVINSIDEPATH>& paths, bool invert) {

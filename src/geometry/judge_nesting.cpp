@@ -4,11 +4,12 @@
 #include <cmath>
 #include <memory>
 #include <numeric>
-#include <optional>
+#include <climits>
 #include <utility>
 
 #include "frame/error_codes.h"
 #include "frame/frame.h"
+#include "geometry/affine.h"
 #include "geometry/judge.h"
 #include "geometry/judge_shape.h"
 #include "geometry/straight_outline.h"
@@ -23,15 +24,13 @@ void InvertAll(RVINSIDEPATH* paths, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) Flip(paths[i].inside);
 }
 
-// One path of the flags-only judgment: its outline when its segments are
-// straight, else (or once the outline can't decide) its polyline as a
-// NestingShape, with bounds of its absolute area (equal once exact).
+// One path of the flags-only judgment: bounds of its absolute area (equal
+// once exact) and its outline, when its segments are straight.
 struct NestItem {
   CRvArt* art = nullptr;
-  std::optional<StraightOutline> outline;
-  std::unique_ptr<NestingShape> shape;
   double low = 0, high = 0;
-  PlainBox reach, probes;
+  uint32_t outline = kNoOutline;
+  static constexpr uint32_t kNoOutline = UINT32_MAX;
 };
 
 // The inside test of the polylines of two straight outlines, 1 or 0; -1
@@ -42,7 +41,16 @@ struct NestItem {
 // are asked one by one, and those near the outer polygon by its chords.
 int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
   const double near = inner.Tolerance() + outer.Tolerance() + 1e-9 * (inner.Scale() + outer.Scale() + 1.0);
-  for (std::size_t k = 0; k < inner.CornerCount(); ++k) {
+  // Most often the whole inner polygon keeps clear of every edge, and its
+  // first corner tells.
+  const int first = outer.Winds(inner.Corner(0), near);
+  if (first == 0) return 0;
+  if (first == 1) {
+    const PlainBox box = inner.Box();
+    const double grow = 2.0 * near;
+    if (!outer.MeetsBox({box.left - grow, box.bottom - grow, box.right + grow, box.top + grow})) return 1;
+  }
+  for (std::size_t k = 1; k < inner.CornerCount(); ++k) {
     if (outer.Winds(inner.Corner(k), near) == 0) return 0;
   }
   bool undecided = false;
@@ -59,16 +67,25 @@ int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
   return undecided ? -1 : 1;
 }
 
+// The flags-only judgment. A path without an outline has its polyline as a
+// NestingShape from the start; a path with one gets it only where the
+// outline can't decide.
 class NestingFlags {
  public:
-  explicit NestingFlags(std::vector<NestItem> items) : m_items(std::move(items)) {}
-
+  /// Reads the paths; false where one can't be read or the boxes can't
+  /// place it, for the full judgment to take over.
+  bool Read(const RVINSIDEPATH* paths, std::size_t count);
   /// The flags after the nesting pass, from the flags given.
   std::vector<int32_t> Run(const RVINSIDEPATH* paths);
 
  private:
   std::vector<NestItem> m_items;
+  std::vector<StraightOutline> m_outlines;
+  std::vector<std::unique_ptr<NestingShape>> m_shapes;
 
+  const StraightOutline* Outline(std::size_t k) const {
+    return m_items[k].outline == NestItem::kNoOutline ? nullptr : &m_outlines[m_items[k].outline];
+  }
   const NestingShape& Shape(std::size_t k);
   /// Whether x comes before y in the order of the judgment: larger area
   /// first, equal areas in the order given.
@@ -76,15 +93,45 @@ class NestingFlags {
   bool Inside(std::size_t inner, std::size_t outer);
 };
 
-const NestingShape& NestingFlags::Shape(std::size_t k) {
-  NestItem& item = m_items[k];
-  if (!item.shape) {
-    // Straight outlines were checked to flatten within the point limit.
-    CoarsePolyline line = PathPolyline(item.art);
-    item.low = item.high = std::fabs(OrientationSum(line));
-    item.shape = std::make_unique<NestingShape>(std::move(line));
+bool NestingFlags::Read(const RVINSIDEPATH* paths, std::size_t count) {
+  m_items.assign(count, NestItem{});
+  m_shapes.resize(count);
+  m_outlines.reserve(count);
+  for (std::size_t k = 0; k < count; ++k) {
+    NestItem& item = m_items[k];
+    item.art = ArtOf(paths[k].art);
+    if (item.art == nullptr || item.art->GetType() != kArtPath) Raise(kErrPathKind);
+    int32_t start = 0;
+    RVRIFMATRIX matrix{};
+    const CRvBezier& bezier = PathBezier(item.art, start, matrix);
+    const int32_t points = bezier.GetPointCount();
+    StraightOutline outline;
+    // A matrix moves the anchors off their handles: only paths without one
+    // keep their segments straight.
+    if (IsIdentity(matrix) && outline.Make(points > 0 ? &bezier.GetPoint(0) : nullptr, points, start)) {
+      item.low = outline.AreaLow();
+      item.high = outline.AreaHigh();
+      item.outline = uint32_t(m_outlines.size());
+      m_outlines.push_back(std::move(outline));
+      continue;
+    }
+    const NestingShape& shape = Shape(k);
+    // Areas that don't compare, and shapes that the boxes can't place, are
+    // left to the full judgment.
+    if (std::isnan(item.low) || !shape.Boxed()) return false;
   }
-  return *item.shape;
+  return true;
+}
+
+const NestingShape& NestingFlags::Shape(std::size_t k) {
+  std::unique_ptr<NestingShape>& shape = m_shapes[k];
+  if (!shape) {
+    // Straight outlines were checked to flatten within the point limit.
+    CoarsePolyline line = PathPolyline(m_items[k].art);
+    m_items[k].low = m_items[k].high = std::fabs(OrientationSum(line));
+    shape = std::make_unique<NestingShape>(std::move(line));
+  }
+  return *shape;
 }
 
 bool NestingFlags::Before(std::size_t x, std::size_t y) {
@@ -97,10 +144,10 @@ bool NestingFlags::Before(std::size_t x, std::size_t y) {
 }
 
 bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
-  const NestItem& in = m_items[inner];
-  const NestItem& out = m_items[outer];
-  if (in.outline && out.outline) {
-    const int sure = OutlineInside(*in.outline, *out.outline);
+  const StraightOutline* in = Outline(inner);
+  const StraightOutline* out = Outline(outer);
+  if (in != nullptr && out != nullptr) {
+    const int sure = OutlineInside(*in, *out);
     if (sure >= 0) return sure == 1;
   }
   const NestingShape& shapeIn = Shape(inner);
@@ -110,27 +157,24 @@ bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
 std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
   const std::size_t count = m_items.size();
   std::vector<PlainBox> reaches(count);
-  for (std::size_t k = 0; k < count; ++k) reaches[k] = m_items[k].reach;
-  const BoxTree tree(reaches);
+  for (std::size_t k = 0; k < count; ++k) reaches[k] = Outline(k) ? Outline(k)->Reach() : m_shapes[k]->Reach();
+  const BoxGrid tree(reaches);
   // containers[first[j] .. first[j + 1]): the paths before j that hold j.
   std::vector<uint32_t> first(count + 1, 0), containers, found;
   for (std::size_t j = 0; j < count; ++j) {
     first[j] = uint32_t(containers.size());
-    const NestItem& inner = m_items[j];
-    if (inner.outline || inner.shape->CanBeInside()) {
-      const PlainBox probes = inner.probes;
-      found.clear();
-      tree.Stab(probes.left, probes.bottom, [&](std::size_t i) {
-        if (i != j && reaches[i].Holds(probes.right, probes.top) && !(m_items[i].high < m_items[j].low)) {
-          found.push_back(uint32_t(i));
-        }
-      });
-      for (uint32_t i : found) {
-        if (Inside(j, i) && Before(i, j)) containers.push_back(i);
+    if (Outline(j) == nullptr && !m_shapes[j]->CanBeInside()) continue;
+    const PlainBox probes = Outline(j) ? Outline(j)->Box() : m_shapes[j]->Probes();
+    found.clear();
+    tree.Stab(probes.left, probes.bottom, [&](std::size_t i) {
+      if (i != j && reaches[i].Holds(probes.right, probes.top) && !(m_items[i].high < m_items[j].low)) {
+        found.push_back(uint32_t(i));
       }
-      std::sort(containers.begin() + first[j], containers.end(),
-                [&](uint32_t x, uint32_t y) { return Before(x, y); });
+    });
+    for (uint32_t i : found) {
+      if (Inside(j, i) && Before(i, j)) containers.push_back(i);
     }
+    std::sort(containers.begin() + first[j], containers.end(), [&](uint32_t x, uint32_t y) { return Before(x, y); });
   }
   first[count] = uint32_t(containers.size());
   // A path's flag is final once the paths before it are done; each flips it
@@ -174,38 +218,14 @@ void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert) {
     if (invert) InvertAll(paths, count);
     return;
   }
-  std::vector<NestItem> items(count);
-  bool plain = false;
-  const uint32_t code = Guard([&] {
-    for (std::size_t k = 0; k < count && !plain; ++k) {
-      NestItem& item = items[k];
-      item.art = ArtOf(paths[k].art);
-      if (item.art == nullptr || item.art->GetType() != kArtPath) Raise(kErrPathKind);
-      const PathRecords r = ReadPathRecords(item.art);
-      StraightOutline outline;
-      if (outline.Make(r.records.data(), int32_t(r.records.size()), r.start, &r.matrix)) {
-        item.low = outline.AreaLow();
-        item.high = outline.AreaHigh();
-        item.reach = outline.Reach();
-        item.probes = outline.Box();
-        item.outline = std::move(outline);
-        continue;
-      }
-      CoarsePolyline line = MakeCoarsePolyline(r.records.data(), int32_t(r.records.size()), r.start, &r.matrix);
-      item.low = item.high = std::fabs(OrientationSum(line));
-      item.shape = std::make_unique<NestingShape>(std::move(line));
-      // Areas that don't compare, and shapes that the boxes can't place,
-      // are left to the full judgment.
-      if (std::isnan(item.low) || !item.shape->Boxed()) plain = true;
-      item.reach = item.shape->Reach();
-      item.probes = item.shape->Probes();
-    }
-  });
-  if (code != 0 || plain) {
+  NestingFlags judgment;
+  bool read = false;
+  const uint32_t code = Guard([&] { read = judgment.Read(paths, count); });
+  if (code != 0 || !read) {
     JudgeInsideOutside(paths, count, invert);
     return;
   }
-  const std::vector<int32_t> flags = NestingFlags(std::move(items)).Run(paths);
+  const std::vector<int32_t> flags = judgment.Run(paths);
   for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
   if (invert) InvertAll(paths, count);
 }
@@ -303,7 +323,7 @@ void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEP
       unboxed.push_back(uint32_t(k));
     }
   }
-  const BoxTree tree(reaches);
+  const BoxGrid tree(reaches);
   std::vector<uint32_t> candidates;
   for (std::size_t j = 1; j < shapes.size(); ++j) {
     const NestingShape& inner = *shapes[j];

@@ -18,7 +18,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "geometry/box_tree.h"
+#include "geometry/box_grid.h"
 #include "geometry/edge_bands.h"
 #include "geometry/judge_polyline.h"
 
@@ -81,7 +81,7 @@ void FlipNestedByPairs(const std::vector<const NestingShape*>& shapes, RVINSIDEP
 /// The same flags as FlipNestedByPairs. A flag can change only while the
 /// earlier shapes are visited, and its changes depend on their flags alone,
 /// so each j asks only the shapes i < j whose reach holds its probes, found
-/// through a BoxTree, in ascending i. Shapes with non-finite coordinates
+/// through a BoxGrid, in ascending i. Shapes with non-finite coordinates
 /// take part in every pair, as the box tests don't decide for them.
 void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEPATH* paths);
 

@@ -46,21 +46,26 @@ int Side(const RVPOINT& p, const RVPOINT& q, const RVPOINT& r) {
 
 }  // namespace
 
-bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, const RVRIFMATRIX* matrix) {
+bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t start) {
   if (count <= 0) return false;
-  const auto n = std::size_t(count);
-  m_corners.clear();
-  m_corners.reserve(n + 1);
-  int32_t i = start % count;
-  if (i < 0) i += count;
-  auto anchorOf = [&](const RVBEZIERPOINT& r) { return matrix != nullptr ? Apply(*matrix, r.anchor) : r.anchor; };
+  m_records = records;
+  m_count = std::size_t(count);
+  m_start = std::size_t(start % count + (start % count < 0 ? count : 0));
+  m_lookup.reset();
   double length = 0, chords = 0, sum = 0;
   m_scale = 0;
-  for (std::size_t k = 0; k < n; ++k) {
-    const int32_t next = i + 1 >= count ? 0 : i + 1;
-    const RVPOINT a = anchorOf(records[i]), b = anchorOf(records[next]);
-    if (!SamePoint(records[i].out, a) || !SamePoint(records[next].in, b)) return false;
+  const RVPOINT& first = Corner(0);
+  m_box = PlainBox{first.x, first.y, first.x, first.y};
+  for (std::size_t k = 0; k < m_count; ++k) {
+    const RVPOINT& a = Corner(k);
+    const RVPOINT& b = Corner(k + 1);
+    // Every record is the start of one segment and the end of another.
+    const RVBEZIERPOINT& record = m_records[k];
+    if (!SamePoint(record.in, record.anchor) || !SamePoint(record.out, record.anchor)) return false;
     if (!(std::fabs(a.x) <= kLargestCoordinate && std::fabs(a.y) <= kLargestCoordinate)) return false;
+    // The polyline maps its anchors, which turns -0 into 0, and the sign of
+    // a zero can decide an angle of pi.
+    if ((a.x == 0.0 && std::signbit(a.x)) || (a.y == 0.0 && std::signbit(a.y))) return false;
     // A piece is cut in halves while it is 2 units or longer, so a segment
     // gives fewer than twice its length plus one chords.
     const double d = Distance(a, b);
@@ -69,16 +74,10 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
     chords += 4.0 * (d + 2.0);
     sum += (b.x - a.x) * (b.y + a.y) * 0.5;
     m_scale = std::max({m_scale, std::fabs(a.x), std::fabs(a.y)});
-    m_corners.push_back(a);
-    i = next;
-  }
-  m_corners.push_back(m_corners.front());
-  m_box = PlainBox{m_corners[0].x, m_corners[0].y, m_corners[0].x, m_corners[0].y};
-  for (const RVPOINT& p : m_corners) {
-    m_box.left = std::min(m_box.left, p.x);
-    m_box.right = std::max(m_box.right, p.x);
-    m_box.bottom = std::min(m_box.bottom, p.y);
-    m_box.top = std::max(m_box.top, p.y);
+    m_box.left = std::min(m_box.left, a.x);
+    m_box.right = std::max(m_box.right, a.x);
+    m_box.bottom = std::min(m_box.bottom, a.y);
+    m_box.top = std::max(m_box.top, a.y);
   }
   // Each halving moves a cut point off the segment by a few rounding units
   // of the coordinates, and there are at most 64 halvings.
@@ -86,12 +85,10 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
   // The polyline's sum differs from the polygon's by the thin areas between
   // each segment and its chords, and by the rounding of both sums.
   const double magnitude = (m_scale + 1.0) * (length + 1.0);
-  const double slack = 4.0 * kUnit * magnitude * (chords + double(n) + 8.0) + 4.0 * m_tolerance * (length + 1.0);
+  const double slack = 4.0 * kUnit * magnitude * (chords + double(m_count) + 8.0) + 4.0 * m_tolerance * (length + 1.0);
   m_areaLow = std::max(0.0, std::fabs(sum) - slack);
   m_areaHigh = std::fabs(sum) + slack;
   m_chords = chords;
-  m_bands = EdgeBands();
-  m_segmentPoints.clear();
   return true;
 }
 
@@ -101,12 +98,13 @@ PlainBox StraightOutline::Reach() const {
 }
 
 const EdgeBands& StraightOutline::Bands() const {
-  if (m_bands.Empty()) {
-    m_bands.Make(m_box.bottom, m_box.top, 0.0, CornerCount(), [&](auto&& f) {
-      for (std::size_t k = 0; k + 1 < m_corners.size(); ++k) f(k, m_corners[k], m_corners[k + 1]);
+  if (!m_lookup) {
+    m_lookup = std::make_unique<Lookup>();
+    m_lookup->bands.Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
+      for (std::size_t k = 0; k < m_count; ++k) f(k, Corner(k), Corner(k + 1));
     });
   }
-  return m_bands;
+  return m_lookup->bands;
 }
 
 template <class F>
@@ -115,7 +113,7 @@ bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
   const std::size_t last = bands.BandOf(high);
   for (std::size_t band = bands.BandOf(low); band <= last; ++band) {
     for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
-      if (f(m_corners[*e], m_corners[*e + 1])) return true;
+      if (f(std::size_t(*e))) return true;
     }
   }
   return false;
@@ -125,7 +123,7 @@ int StraightOutline::Winds(const RVPOINT& q, double near) const {
   if (q.x < m_box.left - near || q.x > m_box.right + near || q.y < m_box.bottom - near || q.y > m_box.top + near) {
     return 0;
   }
-  if (AnyEdgeNear(q.y - near, q.y + near, [&](const RVPOINT& a, const RVPOINT& b) { return PointNear(q, a, b, near); })) {
+  if (AnyEdgeNear(q.y - near, q.y + near, [&](std::size_t k) { return PointNear(q, Corner(k), Corner(k + 1), near); })) {
     return -1;
   }
   // q is far from every edge: the crossings of its horizontal count.
@@ -133,8 +131,8 @@ int StraightOutline::Winds(const RVPOINT& q, double near) const {
   const std::size_t band = bands.BandOf(q.y);
   int winding = 0;
   for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
-    const RVPOINT& a = m_corners[*e];
-    const RVPOINT& b = m_corners[*e + 1];
+    const RVPOINT& a = Corner(*e);
+    const RVPOINT& b = Corner(*e + 1);
     const bool upFrom = a.y <= q.y;
     if (upFrom == (b.y <= q.y)) continue;
     const double cross = (a.x - q.x) * (b.y - a.y) - (a.y - q.y) * (b.x - a.x);
@@ -151,7 +149,9 @@ bool StraightOutline::Touches(const RVPOINT& a, const RVPOINT& b, double near) c
   const double left = std::min(a.x, b.x) - grow, right = std::max(a.x, b.x) + grow;
   const double bottom = std::min(a.y, b.y) - grow, top = std::max(a.y, b.y) + grow;
   if (right < m_box.left || left > m_box.right || top < m_box.bottom || bottom > m_box.top) return false;
-  return AnyEdgeNear(bottom, top, [&](const RVPOINT& c, const RVPOINT& d) {
+  return AnyEdgeNear(bottom, top, [&](std::size_t k) {
+    const RVPOINT& c = Corner(k);
+    const RVPOINT& d = Corner(k + 1);
     if (std::max(c.x, d.x) < left || std::min(c.x, d.x) > right || std::max(c.y, d.y) < bottom ||
         std::min(c.y, d.y) > top) {
       return false;
@@ -166,13 +166,25 @@ bool StraightOutline::Touches(const RVPOINT& a, const RVPOINT& b, double near) c
   });
 }
 
+bool StraightOutline::MeetsBox(const PlainBox& box) const {
+  if (box.right < m_box.left || box.left > m_box.right || box.top < m_box.bottom || box.bottom > m_box.top) return false;
+  return AnyEdgeNear(box.bottom, box.top, [&](std::size_t k) {
+    const RVPOINT& c = Corner(k);
+    const RVPOINT& d = Corner(k + 1);
+    return !(std::max(c.x, d.x) < box.left || std::min(c.x, d.x) > box.right || std::max(c.y, d.y) < box.bottom ||
+             std::min(c.y, d.y) > box.top);
+  });
+}
+
 const std::vector<RVPOINT>& StraightOutline::SegmentPoints(std::size_t k) const {
-  if (m_segmentPoints.empty()) m_segmentPoints.resize(CornerCount());
-  std::vector<RVPOINT>& points = m_segmentPoints[k];
+  Bands();
+  std::vector<std::vector<RVPOINT>>& made = m_lookup->segmentPoints;
+  if (made.empty()) made.resize(m_count);
+  std::vector<RVPOINT>& points = made[k];
   if (points.empty()) {
     // The handles of a straight segment sit on their anchors.
-    const RVBEZIERPOINT a{m_corners[k], m_corners[k], m_corners[k], 0};
-    const RVBEZIERPOINT b{m_corners[k + 1], m_corners[k + 1], m_corners[k + 1], 0};
+    const RVBEZIERPOINT a{Corner(k), Corner(k), Corner(k), 0};
+    const RVBEZIERPOINT b{Corner(k + 1), Corner(k + 1), Corner(k + 1), 0};
     CurveToPoints(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, points);
   }
   return points;
@@ -197,8 +209,8 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
     if (uy >= 0.0 && cross > 0.0) ++turns;  // down across it
   };
   std::vector<uint32_t> nearEdges;
-  AnyEdgeNear(q.y - near, q.y + near, [&](const RVPOINT& a, const RVPOINT& b) {
-    if (PointNear(q, a, b, near)) nearEdges.push_back(uint32_t(&a - m_corners.data()));
+  AnyEdgeNear(q.y - near, q.y + near, [&](std::size_t k) {
+    if (PointNear(q, Corner(k), Corner(k + 1), near)) nearEdges.push_back(uint32_t(k));
     return false;
   });
   std::sort(nearEdges.begin(), nearEdges.end());
@@ -206,7 +218,7 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   const EdgeBands& bands = Bands();
   const std::size_t band = bands.BandOf(q.y);
   for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
-    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), *e)) turn(m_corners[*e], m_corners[*e + 1]);
+    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), *e)) turn(Corner(*e), Corner(*e + 1));
   }
   double sum = 0.0;
   for (uint32_t k : nearEdges) {

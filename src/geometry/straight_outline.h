@@ -12,9 +12,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
-#include "geometry/box_tree.h"
+#include "geometry/box_grid.h"
 #include "geometry/edge_bands.h"
 #include "rvdataaccess.h"
 
@@ -23,11 +24,12 @@ namespace rv {
 class StraightOutline {
  public:
   /// The outline of `count` records walked from `start` as the coarse
-  /// polyline walks them, anchors mapped by `matrix` when given and handles
-  /// as stored. False when it can't stand for the polyline: no records, a
-  /// handle off its anchor, a coordinate not finite or beyond 1e12, or a
-  /// segment so long that its flattening could near the point limit.
-  bool Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, const RVRIFMATRIX* matrix);
+  /// polyline walks them without a matrix. It reads the records where they
+  /// stand, so they must stay while the outline is used. False when it can't
+  /// stand for the polyline: no records, a handle off its anchor, a
+  /// coordinate not finite, beyond 1e12 or -0, or a segment so long that its
+  /// flattening could near the point limit.
+  bool Make(const RVBEZIERPOINT* records, int32_t count, int32_t start);
 
   /// Bounds of the absolute orientation sum of the coarse polyline.
   double AreaLow() const { return m_areaLow; }
@@ -41,8 +43,13 @@ class StraightOutline {
   /// A box that holds every point of the polyline, grown by the margin by
   /// which a polyline's own inside test rejects a point outside its box.
   PlainBox Reach() const;
-  std::size_t CornerCount() const { return m_corners.size() - 1; }
-  const RVPOINT& Corner(std::size_t k) const { return m_corners[k]; }
+  std::size_t CornerCount() const { return m_count; }
+  /// Corner k of the walk, k up to CornerCount() (the first again).
+  const RVPOINT& Corner(std::size_t k) const {
+    std::size_t i = m_start + k;
+    if (i >= m_count) i -= m_count;
+    return m_records[i].anchor;
+  }
 
   /// Whether the polygon winds round `q`: 1 or 0; -1 when q lies within
   /// `near` of an edge.
@@ -50,6 +57,8 @@ class StraightOutline {
   /// Whether the segment a-b comes within `near` of an edge (or so close to
   /// that the arithmetic can't tell).
   bool Touches(const RVPOINT& a, const RVPOINT& b, double near) const;
+  /// Whether an edge's box meets `box`.
+  bool MeetsBox(const PlainBox& box) const;
   /// For a point q within `near` of the polygon: the inside test of the
   /// coarse polyline (its winding angle against the threshold), 1 or 0,
   /// taken from the chords of the segments near q and the crossings of the
@@ -60,18 +69,24 @@ class StraightOutline {
   const std::vector<RVPOINT>& SegmentPoints(std::size_t k) const;
 
  private:
-  std::vector<RVPOINT> m_corners;  // in walk order, the first again at the end
+  const RVBEZIERPOINT* m_records = nullptr;
+  std::size_t m_count = 0;
+  std::size_t m_start = 0;
   PlainBox m_box;
   double m_scale = 0;
   double m_tolerance = 0;
   double m_areaLow = 0, m_areaHigh = 0;
-  double m_chords = 0;        // more than the chords of the polyline
-  mutable EdgeBands m_bands;  // made at the first point asked about
-  mutable std::vector<std::vector<RVPOINT>> m_segmentPoints;  // made as asked for
+  double m_chords = 0;  // more than the chords of the polyline
+  // Made at the first point asked about: most outlines are never asked.
+  struct Lookup {
+    EdgeBands bands;
+    std::vector<std::vector<RVPOINT>> segmentPoints;
+  };
+  mutable std::unique_ptr<Lookup> m_lookup;
 
   const EdgeBands& Bands() const;
-  /// f(a, b) for each edge in the bands that [low, high] touches, until f
-  /// returns true; whether one did.
+  /// f(k) for each edge k (Corner(k) to Corner(k + 1)) in the bands that
+  /// [low, high] touches, until f returns true; whether one did.
   template <class F>
   bool AnyEdgeNear(double low, double high, F&& f) const;
 };

@@ -1,4 +1,4 @@
-// The box tree and the indexed nesting pass against their plain measures:
+// The box grid and the indexed nesting pass against their plain measures:
 // every box that holds a point, and the flags of the pair loop.
 #include <algorithm>
 #include <cmath>
@@ -6,7 +6,7 @@
 #include <memory>
 #include <random>
 
-#include "geometry/box_tree.h"
+#include "geometry/box_grid.h"
 #include "geometry/judge_shape.h"
 #include "geometry_test.h"
 
@@ -15,7 +15,7 @@ using namespace geotest;
 
 namespace {
 
-TEST(BoxTree, StabFindsExactlyTheBoxesThatHoldThePoint) {
+TEST(BoxGrid, StabFindsExactlyTheBoxesThatHoldThePoint) {
   std::mt19937 rng(77);
   std::uniform_real_distribution<double> at(0.0, 100.0), size(0.0, 30.0);
   std::uniform_int_distribution<int> grid(0, 20);
@@ -32,7 +32,7 @@ TEST(BoxTree, StabFindsExactlyTheBoxesThatHoldThePoint) {
         boxes.push_back({l, b, l + size(rng), b + size(rng)});
       }
     }
-    const BoxTree tree(boxes);
+    const BoxGrid tree(boxes);
     std::vector<RVPOINT> probes;
     for (int k = 0; k < 200; ++k) probes.push_back({at(rng), at(rng)});
     for (int x = 0; x <= 130; x += 5) probes.push_back({double(x), double(x % 35)});
