@@ -5,17 +5,30 @@
 
 namespace rv {
 
-BoxGrid::BoxGrid(const std::vector<PlainBox>& boxes) : m_boxes(boxes) {
-  if (boxes.empty()) return;
-  m_all = boxes[0];
-  for (const PlainBox& b : boxes) {
+BoxGrid::Placed BoxGrid::Place(const PlainBox& b, uint32_t levels) const {
+  Placed p{0, Cell(b.left, m_all.left, m_scaleX), Cell(b.bottom, m_all.bottom, m_scaleY),
+           Cell(b.right, m_all.left, m_scaleX), Cell(b.top, m_all.bottom, m_scaleY)};
+  while (p.level + 1 < levels && ((p.x1 >> p.level) - (p.x0 >> p.level) > 1 || (p.y1 >> p.level) - (p.y0 >> p.level) > 1)) {
+    ++p.level;
+  }
+  p.x0 >>= p.level;
+  p.x1 >>= p.level;
+  p.y0 >>= p.level;
+  p.y1 >>= p.level;
+  return p;
+}
+
+BoxGrid::BoxGrid(std::vector<PlainBox> boxes) : m_boxes(std::move(boxes)) {
+  if (m_boxes.empty()) return;
+  m_all = m_boxes[0];
+  for (const PlainBox& b : m_boxes) {
     m_all.left = std::min(m_all.left, b.left);
     m_all.bottom = std::min(m_all.bottom, b.bottom);
     m_all.right = std::max(m_all.right, b.right);
     m_all.top = std::max(m_all.top, b.top);
   }
   uint32_t levels = 1;
-  while (m_side < (1u << 12) && double(m_side) * double(m_side) < double(boxes.size())) {
+  while (m_side < (1u << 12) && 2.0 * double(m_side) * double(m_side) < double(m_boxes.size())) {
     m_side *= 2;
     ++levels;
   }
@@ -25,20 +38,6 @@ BoxGrid::BoxGrid(const std::vector<PlainBox>& boxes) : m_boxes(boxes) {
   if (!std::isfinite(m_scaleX)) m_scaleX = 0.0;
   if (!std::isfinite(m_scaleY)) m_scaleY = 0.0;
 
-  // The level of each box and its level-0 cells.
-  struct Placed {
-    uint32_t level, x0, y0, x1, y1;
-  };
-  std::vector<Placed> placed(boxes.size());
-  for (std::size_t i = 0; i < boxes.size(); ++i) {
-    const PlainBox& b = boxes[i];
-    Placed p{0, Cell(b.left, m_all.left, m_scaleX), Cell(b.bottom, m_all.bottom, m_scaleY),
-             Cell(b.right, m_all.left, m_scaleX), Cell(b.top, m_all.bottom, m_scaleY)};
-    while (p.level + 1 < levels && ((p.x1 >> p.level) - (p.x0 >> p.level) > 1 || (p.y1 >> p.level) - (p.y0 >> p.level) > 1)) {
-      ++p.level;
-    }
-    placed[i] = p;
-  }
   m_levels.resize(levels);
   for (uint32_t l = 0; l < levels; ++l) {
     Level& level = m_levels[l];
@@ -46,21 +45,22 @@ BoxGrid::BoxGrid(const std::vector<PlainBox>& boxes) : m_boxes(boxes) {
     level.side = std::size_t(m_side >> l);
     level.start.assign(level.side * level.side + 1, 0);
   }
-  auto forCells = [&](const Placed& p, auto&& f) {
+  // Two passes over the boxes: count each cell's boxes, then file them.
+  auto forCells = [&](std::size_t i, auto&& f) {
+    const Placed p = Place(m_boxes[i], levels);
     Level& level = m_levels[p.level];
-    for (uint32_t y = p.y0 >> p.level; y <= p.y1 >> p.level; ++y) {
-      for (uint32_t x = p.x0 >> p.level; x <= p.x1 >> p.level; ++x) f(level, std::size_t(y) * level.side + x);
+    for (uint32_t y = p.y0; y <= p.y1; ++y) {
+      for (uint32_t x = p.x0; x <= p.x1; ++x) f(level, std::size_t(y) * level.side + x);
     }
   };
-  for (const Placed& p : placed) forCells(p, [](Level& level, std::size_t cell) { ++level.start[cell + 1]; });
+  for (std::size_t i = 0; i < m_boxes.size(); ++i) forCells(i, [](Level& level, std::size_t cell) { ++level.start[cell]; });
+  // Each cell's start becomes the end of its run; filing counts it back down.
   for (Level& level : m_levels) {
     for (std::size_t c = 0; c + 1 < level.start.size(); ++c) level.start[c + 1] += level.start[c];
     level.ids.resize(level.start.back());
   }
-  std::vector<std::vector<uint32_t>> fill(levels);
-  for (uint32_t l = 0; l < levels; ++l) fill[l].assign(m_levels[l].start.begin(), m_levels[l].start.end() - 1);
-  for (std::size_t i = 0; i < placed.size(); ++i) {
-    forCells(placed[i], [&](Level& level, std::size_t cell) { level.ids[fill[level.shift][cell]++] = uint32_t(i); });
+  for (std::size_t i = m_boxes.size(); i-- > 0;) {
+    forCells(i, [&](Level& level, std::size_t cell) { level.ids[--level.start[cell]] = uint32_t(i); });
   }
   // Levels without boxes cost a lookup each; drop them.
   std::erase_if(m_levels, [](const Level& level) { return level.ids.empty(); });

@@ -27,7 +27,9 @@ struct PlainBox {
 class BoxGrid {
  public:
   /// The grid of `boxes`; a box is named by its index in the vector.
-  explicit BoxGrid(const std::vector<PlainBox>& boxes);
+  explicit BoxGrid(std::vector<PlainBox> boxes);
+
+  const PlainBox& Box(std::size_t index) const { return m_boxes[index]; }
 
   /// Calls visit(index) for every box that holds (x, y), in no particular
   /// order.
@@ -60,6 +62,12 @@ class BoxGrid {
   uint32_t m_side = 1;  // level-0 cells per row and column, a power of two
   double m_scaleX = 0, m_scaleY = 0;
   std::vector<Level> m_levels;
+
+  /// The level of a box and its cells there.
+  struct Placed {
+    uint32_t level, x0, y0, x1, y1;
+  };
+  Placed Place(const PlainBox& b, uint32_t levels) const;
 
   uint32_t Cell(double v, double origin, double scale) const {
     const double c = (v - origin) * scale;

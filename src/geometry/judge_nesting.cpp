@@ -108,9 +108,7 @@ bool NestingFlags::Read(const RVINSIDEPATH* paths, std::size_t count) {
     StraightOutline outline;
     // A matrix moves the anchors off their handles: only paths without one
     // keep their segments straight.
-    if (IsIdentity(matrix) && outline.Make(points > 0 ? &bezier.GetPoint(0) : nullptr, points, start)) {
-      item.low = outline.AreaLow();
-      item.high = outline.AreaHigh();
+    if (IsIdentity(matrix) && outline.Make(points > 0 ? &bezier.GetPoint(0) : nullptr, points, start, item.low, item.high)) {
       item.outline = uint32_t(m_outlines.size());
       m_outlines.push_back(std::move(outline));
       continue;
@@ -158,7 +156,7 @@ std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
   const std::size_t count = m_items.size();
   std::vector<PlainBox> reaches(count);
   for (std::size_t k = 0; k < count; ++k) reaches[k] = Outline(k) ? Outline(k)->Reach() : m_shapes[k]->Reach();
-  const BoxGrid tree(reaches);
+  const BoxGrid tree(std::move(reaches));
   // containers[first[j] .. first[j + 1]): the paths before j that hold j.
   std::vector<uint32_t> first(count + 1, 0), containers, found;
   for (std::size_t j = 0; j < count; ++j) {
@@ -167,7 +165,7 @@ std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
     const PlainBox probes = Outline(j) ? Outline(j)->Box() : m_shapes[j]->Probes();
     found.clear();
     tree.Stab(probes.left, probes.bottom, [&](std::size_t i) {
-      if (i != j && reaches[i].Holds(probes.right, probes.top) && !(m_items[i].high < m_items[j].low)) {
+      if (i != j && tree.Box(i).Holds(probes.right, probes.top) && !(m_items[i].high < m_items[j].low)) {
         found.push_back(uint32_t(i));
       }
     });

@@ -22,13 +22,17 @@ constexpr double kUnit = std::numeric_limits<double>::epsilon() / 2;
 // few rounding units of the coordinates, far less than the half of `near`
 // that the test allows on top.
 bool PointNear(const RVPOINT& q, const RVPOINT& a, const RVPOINT& b, double near) {
+  const double limit = 1.5 * near;
+  if (q.x < std::min(a.x, b.x) - limit || q.x > std::max(a.x, b.x) + limit || q.y < std::min(a.y, b.y) - limit ||
+      q.y > std::max(a.y, b.y) + limit) {
+    return false;
+  }
   const double ex = b.x - a.x, ey = b.y - a.y;
   const double qx = q.x - a.x, qy = q.y - a.y;
   const double ee = ex * ex + ey * ey;
   double t = ee > 0 ? (qx * ex + qy * ey) / ee : 0.0;
   t = std::clamp(t, 0.0, 1.0);
   const double dx = qx - t * ex, dy = qy - t * ey;
-  const double limit = 1.5 * near;
   return dx * dx + dy * dy <= limit * limit;
 }
 
@@ -46,11 +50,12 @@ int Side(const RVPOINT& p, const RVPOINT& q, const RVPOINT& r) {
 
 }  // namespace
 
-bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t start) {
+bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, double& areaLow,
+                           double& areaHigh) {
   if (count <= 0) return false;
   m_records = records;
-  m_count = std::size_t(count);
-  m_start = std::size_t(start % count + (start % count < 0 ? count : 0));
+  m_count = uint32_t(count);
+  m_start = uint32_t(start % count + (start % count < 0 ? count : 0));
   m_lookup.reset();
   double length = 0, chords = 0, sum = 0;
   m_scale = 0;
@@ -79,32 +84,26 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
     m_box.bottom = std::min(m_box.bottom, a.y);
     m_box.top = std::max(m_box.top, a.y);
   }
-  // Each halving moves a cut point off the segment by a few rounding units
-  // of the coordinates, and there are at most 64 halvings.
-  m_tolerance = 1e-12 * (m_scale + 1.0);
   // The polyline's sum differs from the polygon's by the thin areas between
   // each segment and its chords, and by the rounding of both sums.
   const double magnitude = (m_scale + 1.0) * (length + 1.0);
-  const double slack = 4.0 * kUnit * magnitude * (chords + double(m_count) + 8.0) + 4.0 * m_tolerance * (length + 1.0);
-  m_areaLow = std::max(0.0, std::fabs(sum) - slack);
-  m_areaHigh = std::fabs(sum) + slack;
+  const double slack = 4.0 * kUnit * magnitude * (chords + double(m_count) + 8.0) + 4.0 * Tolerance() * (length + 1.0);
+  areaLow = std::max(0.0, std::fabs(sum) - slack);
+  areaHigh = std::fabs(sum) + slack;
   m_chords = chords;
   return true;
 }
 
 PlainBox StraightOutline::Reach() const {
-  const double grow = 2.0 * m_tolerance + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0);
+  const double grow = 2.0 * Tolerance() + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0);
   return PlainBox{m_box.left - grow, m_box.bottom - grow, m_box.right + grow, m_box.top + grow};
 }
 
-const EdgeBands& StraightOutline::Bands() const {
-  if (!m_lookup) {
-    m_lookup = std::make_unique<Lookup>();
-    m_lookup->bands.Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
-      for (std::size_t k = 0; k < m_count; ++k) f(k, Corner(k), Corner(k + 1));
-    });
-  }
-  return m_lookup->bands;
+void StraightOutline::MakeLookup() const {
+  m_lookup = std::make_unique<Lookup>();
+  m_lookup->bands.Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
+    for (std::size_t k = 0; k < m_count; ++k) f(k, Corner(k), Corner(k + 1));
+  });
 }
 
 template <class F>
@@ -123,14 +122,16 @@ int StraightOutline::Winds(const RVPOINT& q, double near) const {
   if (q.x < m_box.left - near || q.x > m_box.right + near || q.y < m_box.bottom - near || q.y > m_box.top + near) {
     return 0;
   }
-  if (AnyEdgeNear(q.y - near, q.y + near, [&](std::size_t k) { return PointNear(q, Corner(k), Corner(k + 1), near); })) {
-    return -1;
-  }
-  // q is far from every edge: the crossings of its horizontal count.
+  // The edges near q and those that cross its horizontal: one walk when
+  // they all sit in q's band.
   const EdgeBands& bands = Bands();
   const std::size_t band = bands.BandOf(q.y);
+  auto nearQ = [&](std::size_t k) { return PointNear(q, Corner(k), Corner(k + 1), near); };
+  const bool oneBand = bands.BandOf(q.y - near) == band && bands.BandOf(q.y + near) == band;
+  if (!oneBand && AnyEdgeNear(q.y - near, q.y + near, nearQ)) return -1;
   int winding = 0;
   for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
+    if (oneBand && nearQ(*e)) return -1;
     const RVPOINT& a = Corner(*e);
     const RVPOINT& b = Corner(*e + 1);
     const bool upFrom = a.y <= q.y;
@@ -139,6 +140,7 @@ int StraightOutline::Winds(const RVPOINT& q, double near) const {
     if (upFrom && cross > 0) ++winding;
     if (!upFrom && cross < 0) --winding;
   }
+  // Far from every edge: the crossings of its horizontal count.
   return winding != 0 ? 1 : 0;
 }
 

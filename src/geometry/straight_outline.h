@@ -29,13 +29,14 @@ class StraightOutline {
   /// stand for the polyline: no records, a handle off its anchor, a
   /// coordinate not finite, beyond 1e12 or -0, or a segment so long that its
   /// flattening could near the point limit.
-  bool Make(const RVBEZIERPOINT* records, int32_t count, int32_t start);
+  /// Sets areaLow and areaHigh to bounds of the absolute orientation sum
+  /// of the coarse polyline.
+  bool Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, double& areaLow, double& areaHigh);
 
-  /// Bounds of the absolute orientation sum of the coarse polyline.
-  double AreaLow() const { return m_areaLow; }
-  double AreaHigh() const { return m_areaHigh; }
-  /// How far the coarse polyline may stray from the polygon.
-  double Tolerance() const { return m_tolerance; }
+  /// How far the coarse polyline may stray from the polygon: each halving
+  /// moves a cut point off the segment by a few rounding units of the
+  /// coordinates, and there are at most 64 halvings.
+  double Tolerance() const { return 1e-12 * (m_scale + 1.0); }
   /// The largest absolute coordinate of a corner.
   double Scale() const { return m_scale; }
   /// The corners' box: the corners are points of the polyline too.
@@ -70,12 +71,10 @@ class StraightOutline {
 
  private:
   const RVBEZIERPOINT* m_records = nullptr;
-  std::size_t m_count = 0;
-  std::size_t m_start = 0;
+  uint32_t m_count = 0;
+  uint32_t m_start = 0;
   PlainBox m_box;
   double m_scale = 0;
-  double m_tolerance = 0;
-  double m_areaLow = 0, m_areaHigh = 0;
   double m_chords = 0;  // more than the chords of the polyline
   // Made at the first point asked about: most outlines are never asked.
   struct Lookup {
@@ -84,7 +83,11 @@ class StraightOutline {
   };
   mutable std::unique_ptr<Lookup> m_lookup;
 
-  const EdgeBands& Bands() const;
+  const EdgeBands& Bands() const {
+    if (!m_lookup) MakeLookup();
+    return m_lookup->bands;
+  }
+  void MakeLookup() const;
   /// f(k) for each edge k (Corner(k) to Corner(k + 1)) in the bands that
   /// [low, high] touches, until f returns true; whether one did.
   template <class F>
