@@ -1,10 +1,10 @@
 // Which of a set of closed paths are holes: the nesting judgment, plain and
 // fast.
 #include <algorithm>
+#include <climits>
 #include <cmath>
 #include <memory>
 #include <numeric>
-#include <climits>
 #include <utility>
 
 #include "frame/error_codes.h"

@@ -24,13 +24,12 @@ namespace rv {
 class StraightOutline {
  public:
   /// The outline of `count` records walked from `start` as the coarse
-  /// polyline walks them without a matrix. It reads the records where they
-  /// stand, so they must stay while the outline is used. False when it can't
-  /// stand for the polyline: no records, a handle off its anchor, a
-  /// coordinate not finite, beyond 1e12 or -0, or a segment so long that its
-  /// flattening could near the point limit.
-  /// Sets areaLow and areaHigh to bounds of the absolute orientation sum
-  /// of the coarse polyline.
+  /// polyline walks them without a matrix, with bounds of the absolute
+  /// orientation sum of that polyline in areaLow and areaHigh. It reads the
+  /// records where they stand, so they must stay while the outline is used.
+  /// False when it can't stand for the polyline: no records, a handle off
+  /// its anchor, a coordinate not finite, beyond 1e12 or -0, or a segment so
+  /// long that its flattening could near the point limit.
   bool Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, double& areaLow, double& areaHigh);
 
   /// How far the coarse polyline may stray from the polygon: each halving
