@@ -8,56 +8,47 @@
 #include <tuple>
 #include <vector>
 
-#include "plot_test_util.h"
+#include "drawing_text.h"
 #include "rvdataaccess.h"
 #include "test_support.h"
 
 namespace {
 
-using rvtest::Pt;
+using rvtest::PointText;
 
-/// A layer as text: its name, then per path its components ("B<points>",
-/// "A<arc points>") and " closed" for a closed path, " | " between paths.
+/// A layer as text: its name, then per path its components (type letter and
+/// point count: "B7", "A1") and " closed" for a closed path, " |" between paths.
 std::string LayerText(int16_t index) {
   void* layer = nullptr;
   if (RvGiGetLayer(&layer, index) != 0) return "no layer";
-  char name[256] = {};
-  RvGiGetLayerName(layer, name);
-  std::string s = std::string("[") + name + "]";
-  void* path = nullptr;
-  for (RvGiGetArtFirstChild(layer, &path); path != nullptr; RvGiGetArtSibling(path, &path)) {
-    s += " ";
-    void* child = nullptr;
-    for (RvGiGetArtFirstChild(path, &child); child != nullptr; RvGiGetArtSibling(child, &child)) {
+  const rvtest::LayerReading reading = rvtest::ReadLayer(layer);
+  std::string s = "[" + reading.name + "]";
+  for (const rvtest::PathReading& path : reading.paths) {
+    s += std::string(&path == &reading.paths.front() ? "" : " |") + " ";
+    for (void* component : rvtest::Children(path.art)) {
       int16_t type = 0;
       int32_t count = 0;
-      RvGiGetArtType(child, &type);
-      RvGiGetPathSegmentCount(child, &count);
+      RvGiGetArtType(component, &type);
+      RvGiGetPathSegmentCount(component, &count);
       s += (type == 2 ? "B" : type == 5 ? "A" : "?") + std::to_string(count);
     }
-    int32_t closed = 0;
-    RvGiGetPathClosed(path, &closed);
-    if (closed == 1) s += " closed";
-    void* next = nullptr;
-    RvGiGetArtSibling(path, &next);
-    if (next != nullptr) s += " |";
+    if (path.closed == 1) s += " closed";
   }
   return s;
 }
 
 /// The anchors of the first Bezier of the first path of layer `index`.
 std::string Anchors(int16_t index) {
-  void *layer = nullptr, *path = nullptr, *bezier = nullptr;
+  void* layer = nullptr;
   RvGiGetLayer(&layer, index);
-  RvGiGetArtFirstChild(layer, &path);
-  RvGiGetArtFirstChild(path, &bezier);
+  void* bezier = rvtest::Children(rvtest::Children(layer).at(0)).at(0);
   int32_t count = 0;
   RvGiGetPathSegmentCount(bezier, &count);
   std::string s;
   for (int32_t i = 0; i < count; ++i) {
     RVBEZIERPOINT p{};
     RvGiGetPathSegment(bezier, i, &p);
-    s += (s.empty() ? "" : " ") + Pt(p.anchor.x, p.anchor.y);
+    s += (s.empty() ? "" : " ") + PointText(p.anchor.x, p.anchor.y);
   }
   return s;
 }
