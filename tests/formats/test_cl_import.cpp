@@ -134,11 +134,10 @@ TEST(ClImport, PathElementValuesComeFromPenUpMovesAndNeverReachTheResult) {
   // The first stroke is ended by a pen-up move, the second by the end of the
   // file.
   ASSERT_EQ(im.Run("JT17;VT0,1;PD10,0;PU20,0;PD30,0;"), 0u);
-  auto values = [](int16_t layerIndex, int path) {
-    void *layer = nullptr, *art = nullptr;
+  auto values = [](int16_t layerIndex, std::size_t path) {
+    void* layer = nullptr;
     RvGiGetLayer(&layer, layerIndex);
-    RvGiGetArtFirstChild(layer, &art);
-    for (int i = 0; i < path; ++i) RvGiGetArtSibling(art, &art);
+    void* art = rvtest::Children(layer).at(path);
     int16_t element = 9, value = 9;
     const uint32_t code = RvGiGetPathElementAtVCut(art, &element, &value);
     return code != 0 ? "code " + std::to_string(code) : std::to_string(element) + "," + std::to_string(value);
@@ -148,12 +147,9 @@ TEST(ClImport, PathElementValuesComeFromPenUpMovesAndNeverReachTheResult) {
   EXPECT_EQ(values(0, 0), "code " + std::to_string(0x06001001u));
   EXPECT_EQ(values(0, 1), "code " + std::to_string(0x06001001u));
   // The attribute flags do travel.
-  void *layer = nullptr, *art = nullptr;
-  uint8_t flags = 0;
-  RvGiGetLayer(&layer, 0);
-  RvGiGetArtFirstChild(layer, &art);
-  RvGiGetPathAttrFlag(art, &flags);
-  EXPECT_EQ(flags, 7);
+  void* result = nullptr;
+  RvGiGetLayer(&result, 0);
+  EXPECT_EQ(rvtest::ReadLayer(result).paths.at(0).flags, 7);
 }
 
 }  // namespace

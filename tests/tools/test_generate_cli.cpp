@@ -24,8 +24,7 @@ TEST(ToolGenerate, HatchAndContourOfTheLettersWriteJobsAndPictures) {
   // Seven outlines and holes; the frame of each is written before the lines.
   EXPECT_TRUE(Contains(run.out, "(7 shapes, ")) << run.out;
   EXPECT_TRUE(Contains(run.out, " 7 frame paths)")) << run.out;
-  const std::string text = rvtest::ReadFile(job);
-  EXPECT_GT(text.size(), 1000u);
+  EXPECT_GT(rvtest::ReadFile(job).size(), 1000u);
   EXPECT_FALSE(rvtest::ReadFile(png).empty());
   EXPECT_TRUE(Contains(rvtest::ReadFile(svg), "<svg"));
   EXPECT_FALSE(rvtest::ReadFile(dir.file("HatchingLogFile.txt")).empty() &&
