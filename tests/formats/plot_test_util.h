@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -26,15 +25,9 @@ constexpr long kHugeScale = 4;
 constexpr long kHugeScale = 1;
 #endif
 
-/// An arc as text: "Afrom>to@centre:sweep" and '+' counter-clockwise, else '-'.
-inline std::string ArcText(const rv::PlotPoint& from, const rv::PlotPoint& to, const rv::PlotPoint& centre,
-                           double sweep, int direction) {
-  return "A" + Pt(from.x, from.y) + ">" + Pt(to.x, to.y) + "@" + Pt(centre.x, centre.y) + ":" + Num(sweep) +
-         (direction == 1 ? "+" : "-");
-}
-
 /// An interpreter whose moves read as text: "Ux0,y0>x1,y1" pen up,
-/// "D..." pen down, or an arc.
+/// "D..." pen down, or an arc "Afrom>to@centre:sweep" and '+' counter-
+/// clockwise, else '-'.
 struct Plot : rv::CRvPlotSink {
   rv::CRvPlotInterpreter in{*this};
   std::vector<std::string> moves;
@@ -45,7 +38,8 @@ struct Plot : rv::CRvPlotSink {
     ends.push_back(to);
   }
   void DrawArc(const rv::PlotArc& a) override {
-    moves.push_back(ArcText(a.from, a.to, a.centre, a.sweep, a.direction));
+    moves.push_back("A" + Pt(a.from.x, a.from.y) + ">" + Pt(a.to.x, a.to.y) + "@" + Pt(a.centre.x, a.centre.y) + ":" +
+                    Num(a.sweep) + (a.direction == 1 ? "+" : "-"));
     ends.push_back(a.to);
   }
   /// All moves, one space between two.

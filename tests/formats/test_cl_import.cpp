@@ -8,56 +8,47 @@
 #include <tuple>
 #include <vector>
 
-#include "plot_test_util.h"
+#include "drawing_text.h"
 #include "rvdataaccess.h"
 #include "test_support.h"
 
 namespace {
 
-using rvtest::Pt;
+using rvtest::PointText;
 
-/// A layer as text: its name, then per path its components ("B<points>",
-/// "A<arc points>") and " closed" for a closed path, " | " between paths.
+/// A layer as text: its name, then per path its components (type letter and
+/// point count: "B7", "A1") and " closed" for a closed path, " |" between paths.
 std::string LayerText(int16_t index) {
   void* layer = nullptr;
   if (RvGiGetLayer(&layer, index) != 0) return "no layer";
-  char name[256] = {};
-  RvGiGetLayerName(layer, name);
-  std::string s = std::string("[") + name + "]";
-  void* path = nullptr;
-  for (RvGiGetArtFirstChild(layer, &path); path != nullptr; RvGiGetArtSibling(path, &path)) {
-    s += " ";
-    void* child = nullptr;
-    for (RvGiGetArtFirstChild(path, &child); child != nullptr; RvGiGetArtSibling(child, &child)) {
+  const rvtest::LayerReading reading = rvtest::ReadLayer(layer);
+  std::string s = "[" + reading.name + "]";
+  for (const rvtest::PathReading& path : reading.paths) {
+    s += std::string(&path == &reading.paths.front() ? "" : " |") + " ";
+    for (void* component : rvtest::Children(path.art)) {
       int16_t type = 0;
       int32_t count = 0;
-      RvGiGetArtType(child, &type);
-      RvGiGetPathSegmentCount(child, &count);
+      RvGiGetArtType(component, &type);
+      RvGiGetPathSegmentCount(component, &count);
       s += (type == 2 ? "B" : type == 5 ? "A" : "?") + std::to_string(count);
     }
-    int32_t closed = 0;
-    RvGiGetPathClosed(path, &closed);
-    if (closed == 1) s += " closed";
-    void* next = nullptr;
-    RvGiGetArtSibling(path, &next);
-    if (next != nullptr) s += " |";
+    if (path.closed == 1) s += " closed";
   }
   return s;
 }
 
 /// The anchors of the first Bezier of the first path of layer `index`.
 std::string Anchors(int16_t index) {
-  void *layer = nullptr, *path = nullptr, *bezier = nullptr;
+  void* layer = nullptr;
   RvGiGetLayer(&layer, index);
-  RvGiGetArtFirstChild(layer, &path);
-  RvGiGetArtFirstChild(path, &bezier);
+  void* bezier = rvtest::Children(rvtest::Children(layer).at(0)).at(0);
   int32_t count = 0;
   RvGiGetPathSegmentCount(bezier, &count);
   std::string s;
   for (int32_t i = 0; i < count; ++i) {
     RVBEZIERPOINT p{};
     RvGiGetPathSegment(bezier, i, &p);
-    s += (s.empty() ? "" : " ") + Pt(p.anchor.x, p.anchor.y);
+    s += (s.empty() ? "" : " ") + PointText(p.anchor.x, p.anchor.y);
   }
   return s;
 }
@@ -143,11 +134,10 @@ TEST(ClImport, PathElementValuesComeFromPenUpMovesAndNeverReachTheResult) {
   // The first stroke is ended by a pen-up move, the second by the end of the
   // file.
   ASSERT_EQ(im.Run("JT17;VT0,1;PD10,0;PU20,0;PD30,0;"), 0u);
-  auto values = [](int16_t layerIndex, int path) {
-    void *layer = nullptr, *art = nullptr;
+  auto values = [](int16_t layerIndex, std::size_t path) {
+    void* layer = nullptr;
     RvGiGetLayer(&layer, layerIndex);
-    RvGiGetArtFirstChild(layer, &art);
-    for (int i = 0; i < path; ++i) RvGiGetArtSibling(art, &art);
+    void* art = rvtest::Children(layer).at(path);
     int16_t element = 9, value = 9;
     const uint32_t code = RvGiGetPathElementAtVCut(art, &element, &value);
     return code != 0 ? "code " + std::to_string(code) : std::to_string(element) + "," + std::to_string(value);
@@ -157,12 +147,9 @@ TEST(ClImport, PathElementValuesComeFromPenUpMovesAndNeverReachTheResult) {
   EXPECT_EQ(values(0, 0), "code " + std::to_string(0x06001001u));
   EXPECT_EQ(values(0, 1), "code " + std::to_string(0x06001001u));
   // The attribute flags do travel.
-  void *layer = nullptr, *art = nullptr;
-  uint8_t flags = 0;
-  RvGiGetLayer(&layer, 0);
-  RvGiGetArtFirstChild(layer, &art);
-  RvGiGetPathAttrFlag(art, &flags);
-  EXPECT_EQ(flags, 7);
+  void* result = nullptr;
+  RvGiGetLayer(&result, 0);
+  EXPECT_EQ(rvtest::ReadLayer(result).paths.at(0).flags, 7);
 }
 
 }  // namespace

@@ -2,13 +2,13 @@
 // drawing it makes, against files written by tests/support/cmx_writer.h.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "cmx_writer.h"
+#include "drawing_text.h"
 #include "formats/cmx_container.h"
 #include "model/data_access.h"
 #include "test_support.h"
@@ -23,10 +23,7 @@ using rv::CRvDataAccess;
 // unit, (1000 + 10000 k, 2000 + 10000 m) is (k, m) millimetres.
 File Frame() {
   File f;
-  f.left = 1000;
-  f.bottom = 2000;
-  f.right = 101000;
-  f.top = 82000;
+  f.left = 1000, f.bottom = 2000, f.right = 101000, f.top = 82000;
   return f;
 }
 int32_t X(double mm) { return 1000 + int32_t(mm * 10000); }
@@ -41,41 +38,15 @@ File OneLayer(const std::string& commands, const std::string& name = "L") {
   return f;
 }
 
-std::string Num(double v) {
-  char s[32];
-  std::snprintf(s, sizeof s, "%.6g", v + 0.0);
-  return s;
-}
-std::string Pt(const RVPOINT& p) { return Num(p.x) + "," + Num(p.y); }
+std::string Pt(const RVPOINT& p) { return rvtest::PointText(p.x, p.y); }
 
-// The drawing of the active document as text, layers from the front: a
-// Bezier point shows its handles only where they leave the anchor.
-void Describe(CRvArt* art, int depth, std::string& out) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
-  const std::string indent(std::size_t(depth) * 2, ' ');
-  switch (store.GetArtType(art)) {
-    case rv::kArtLayer: out += indent + "layer " + store.GetLayerName(art) + "\n"; break;
-    case rv::kArtGroup: out += indent + "group\n"; break;
-    case rv::kArtCompound: out += indent + "compound\n"; break;
-    case rv::kArtPath: out += indent + (store.GetPathClosed(art) ? "closed path\n" : "path\n"); break;
-    case rv::kArtBezier: {
-      out += indent;
-      for (int32_t i = 0; i < store.GetPathSegmentCount(art); ++i) {
-        const RVBEZIERPOINT b = store.GetBezierPoint(art, i);
-        out += (i ? " " : "") + Pt(b.anchor);
-        if (Pt(b.in) != Pt(b.anchor) || Pt(b.out) != Pt(b.anchor)) out += "[" + Pt(b.in) + " " + Pt(b.out) + "]";
-      }
-      out += "\n";
-      return;
-    }
-    default: out += indent + "?\n"; return;
-  }
-  for (CRvArt* c = store.GetArtFirstChild(art); c; c = store.GetArtSibling(c)) Describe(c, depth + 1, out);
-}
+// The drawing of the active document, layers from the front: "layer NAME"
+// and the tree below it (drawing_text.h).
 std::string Drawing() {
   CRvDataAccess& store = CRvDataAccess::Instance();
   std::string out;
-  for (int16_t i = 0; i < store.GetLayerCount(); ++i) Describe(store.GetLayer(i), 0, out);
+  for (int16_t i = 0; i < store.GetLayerCount(); ++i)
+    out += "layer " + store.GetLayerName(store.GetLayer(i)) + "\n" + rvtest::TreeText(store.GetLayer(i));
   return out;
 }
 
@@ -152,7 +123,7 @@ TEST(CmxContainer, PagesAndTheDocumentBox) {
   two.pages.push_back(OneLayer(Rectangle(X(3), Y(3), 0, 0), "third").pages[0]);
   two.pages[2].number = 2;
   ASSERT_EQ(Import(two.Build()), 0u);
-  EXPECT_EQ(Drawing(), "layer first\n  closed path\n    1,1 1,1 1,1 1,1\n");
+  EXPECT_EQ(Drawing(), "layer first\npath closed B(1,1 1,1 1,1 1,1)\n");
 
   // The text has no effect on the drawing.
   const std::string bytes = OneLayer(Rectangle(X(5), Y(4), 20000, 10000)).Build();
@@ -171,14 +142,14 @@ TEST(CmxDrawing, PolyCurvesRectanglesAndTheirOrder) {
   const Case cases[] = {
       {"closed move and two lines: three anchors, handles on them",
        PolyCurve({{X(1), Y(1), kClosedMove}, {X(3), Y(1), kLine}, {X(3), Y(2), kLine}}, AnyBox()),
-       "  closed path\n    1,1 3,1 3,2\n"},
+       "path closed B(1,1 3,1 3,2)\n"},
       {"move, line, move, line: a compound, the second path first",
        PolyCurve({{X(1), Y(1), kMove}, {X(2), Y(1), kLine}, {X(5), Y(5), kMove}, {X(6), Y(5), kLine}}, AnyBox()),
-       "  compound\n    path\n      5,5 6,5\n    path\n      1,1 2,1\n"},
+       "compound\n  path B(5,5 6,5)\n  path B(1,1 2,1)\n"},
       {"two control nodes and a curve: the handles of both anchors",
        PolyCurve({{X(1), Y(1), kMove}, {X(2), Y(3), kControl}, {X(4), Y(3), kControl}, {X(5), Y(1), kCurve}},
                  AnyBox()),
-       "  path\n    1,1[1,1 2,3] 5,1[4,3 5,1]\n"},
+       "path B(1,1{1,1;2,3} 5,1{4,3;5,1})\n"},
       {"a curve between lines takes the anchor before it as its start",
        PolyCurve({{X(0), Y(0), kMove},
                   {X(1), Y(0), kLine},
@@ -187,25 +158,25 @@ TEST(CmxDrawing, PolyCurvesRectanglesAndTheirOrder) {
                   {X(2), Y(0), kCurve},
                   {X(3), Y(0), kLine}},
                  AnyBox()),
-       "  path\n    0,0 1,0[1,0 1,1] 2,0[2,1 2,0] 3,0\n"},
+       "path B(0,0 1,0{1,0;1,1} 2,0{2,1;2,0} 3,0)\n"},
       {"move, move, line: one path from the second move",
        PolyCurve({{X(1), Y(1), kMove}, {X(2), Y(2), kClosedMove}, {X(3), Y(2), kLine}}, AnyBox()),
-       "  closed path\n    2,2 3,2\n"},
+       "path closed B(2,2 3,2)\n"},
       {"a lone move makes nothing", PolyCurve({{X(1), Y(1), kMove}}, AnyBox()), ""},
       {"odd width 5 at cx 10: x 8 and 12 before the factor",
-       Rectangle(10 + 1000, Y(1), 5, 20000), "  closed path\n    0.0008,2 0.0012,2 0.0012,0 0.0008,0\n"},
+       Rectangle(10 + 1000, Y(1), 5, 20000), "path closed B(0.0008,2 0.0012,2 0.0012,0 0.0008,0)\n"},
       {"a long poly-curve ends its points where they end",
-       PolyCurve({{X(1), Y(1), kMove}, {X(2), Y(1), kLine}}, AnyBox(), true), "  path\n    1,1 2,1\n"},
+       PolyCurve({{X(1), Y(1), kMove}, {X(2), Y(1), kLine}}, AnyBox(), true), "path B(1,1 2,1)\n"},
       {"groups nest; later commands come first in their parent",
        BeginGroup(AnyBox()) + Rectangle(X(1), Y(1), 0, 0) + BeginGroup(AnyBox()) + Rectangle(X(2), Y(2), 0, 0) +
            EndGroup() + EndGroup() + Rectangle(X(3), Y(3), 0, 0),
-       "  closed path\n    3,3 3,3 3,3 3,3\n  group\n    group\n      closed path\n        2,2 2,2 2,2 2,2\n"
-       "    closed path\n      1,1 1,1 1,1 1,1\n"},
+       "path closed B(3,3 3,3 3,3 3,3)\ngroup\n  group\n    path closed B(2,2 2,2 2,2 2,2)\n"
+       "  path closed B(1,1 1,1 1,1 1,1)\n"},
       {"a command of size 4 and code 9 is passed over",
-       Command(9, "") + Rectangle(X(1), Y(1), 0, 0), "  closed path\n    1,1 1,1 1,1 1,1\n"},
+       Command(9, "") + Rectangle(X(1), Y(1), 0, 0), "path closed B(1,1 1,1 1,1 1,1)\n"},
       {"end layer inside a group ends the group; the layer walk goes on",
        BeginGroup(AnyBox()) + EndLayer() + Rectangle(X(4), Y(4), 0, 0),
-       "  closed path\n    4,4 4,4 4,4 4,4\n  group\n"},
+       "path closed B(4,4 4,4 4,4 4,4)\ngroup\n"},
       {"a code beyond 111 ends the walk", Command(200, "") + Rectangle(X(1), Y(1), 0, 0), ""},
   };
   for (const Case& c : cases) {
@@ -249,14 +220,14 @@ TEST(CmxDrawing, LayersByName) {
   const std::string bytes = f.Build();
   ASSERT_EQ(rv::ImportCmxBytes(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size(), nullptr), 0u);
   EXPECT_EQ(Drawing(),
-            "layer new\n  closed path\n    3,3 3,3 3,3 3,3\n"
+            "layer new\npath closed B(3,3 3,3 3,3 3,3)\n"
             "layer other\nlayer same\nlayer same\n"
-            "  closed path\n    2,2 2,2 2,2 2,2\n  closed path\n    1,1 1,1 1,1 1,1\n");
+            "path closed B(2,2 2,2 2,2 2,2)\npath closed B(1,1 1,1 1,1 1,1)\n");
 }
 
 TEST(CmxDrawing, HostileStreamsFailWithTheirCodesAndKeepWhatWasMade) {
   const std::string before = Rectangle(X(1), Y(1), 0, 0);
-  const std::string made = "layer L\n  closed path\n    1,1 1,1 1,1 1,1\n";
+  const std::string made = "layer L\npath closed B(1,1 1,1 1,1 1,1)\n";
   // A stream that jumps back to its first command, or to the rectangle.
   Layer back{"L"};
   back.Add(BeginLayer("L")).Add(before).AddJump(0);
@@ -323,7 +294,7 @@ TEST(CmxImport, ExportedCallReadsTheFileAndKeepsWhatWasReadOnFailure) {
   int16_t index = -1;
   ASSERT_EQ(RvImCMXToRIF(dir.file("a.cmx").c_str(), 0, &index, nullptr), 0u);
   EXPECT_EQ(index, CRvDataAccess::Instance().GetActiveDocumentIndex());
-  const std::string one = "layer L\n  closed path\n    1,1 1,1 1,1 1,1\n";
+  const std::string one = "layer L\npath closed B(1,1 1,1 1,1 1,1)\n";
   EXPECT_EQ(Drawing(), "layer L\n" + one.substr(8) + one.substr(8));
 
   // The second layer starts 3 bytes before the end: its command head runs

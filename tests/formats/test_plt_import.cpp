@@ -4,7 +4,6 @@
 // the files' commands.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cfloat>
 #include <cstdint>
 #include <cstdio>
@@ -61,10 +60,6 @@ void ExpectRect(const RVRECT& r, double left, double right, double bottom, doubl
   EXPECT_NEAR(r.bottom, bottom, 1e-9);
   EXPECT_NEAR(r.top, top, 1e-9);
 }
-
-// ---------------------------------------------------------------------------
-// The drawing builder
-// ---------------------------------------------------------------------------
 
 TEST(PltImport, StrokesArcsAndTheClosingRule) {
   const std::tuple<std::string, double, std::string> rows[] = {  // commands, scale, shapes
@@ -135,10 +130,6 @@ TEST(PltImport, PathValuesAndNothingCarriesOver) {
   EXPECT_EQ(d.paths[1].points, 10);  // 8 chords of 45 degrees: start, 7 points, end twice
 }
 
-// ---------------------------------------------------------------------------
-// The file frame
-// ---------------------------------------------------------------------------
-
 TEST(PltImport, FileFrameResults) {
   rvtest::TempDir dir;
   double scale = 0.0;
@@ -177,10 +168,6 @@ TEST(PltImport, FileFrameResults) {
   RvGiDeleteActiveDocument();
   EXPECT_EQ(g_ExceptionContext, nullptr);
 }
-
-// ---------------------------------------------------------------------------
-// Sample and real files
-// ---------------------------------------------------------------------------
 
 TEST(PltImport, SampleFiles) {
   // samples/sign.plt worked out by hand, at 0.025: the outer and the inner
@@ -296,10 +283,6 @@ TEST(PltImport, StraightStrokesAreBoundedByTheirAnchors) {
     ExpectRect(d.extent, left, right, bottom, top);
   }
 }
-
-// ---------------------------------------------------------------------------
-// Bad input
-// ---------------------------------------------------------------------------
 
 TEST(PltImport, TruncatedAndGarbageFilesImport) {
   // Every seventh prefix of the sign, random bytes, and random bytes after a

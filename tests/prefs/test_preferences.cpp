@@ -53,17 +53,15 @@ TEST(PreferenceFiles, EverySectionComesBackAndSavesTheSameBytes) {
   EXPECT_EQ(std::memcmp(&ot, &back, sizeof ot), 0);
 }
 
-// The TQTombo group of a version "1.00" file and what a load makes of it.
-struct OldTombo {
-  const char* version;
-  const char* tqTombo;  // the keys the file has
-  int32_t sepMode;
-  double sepLineWidth;
-  int16_t sepDirection, sepCount;
-};
-
 TEST(PreferenceFiles, OldFilesGetTheSeparationKeysOfTheirSteps) {
-  const OldTombo rows[] = {
+  // The TQTombo group of a main file and what a load makes of it.
+  const struct {
+    const char* version;
+    const char* tqTombo;  // the keys the file has
+    int32_t sepMode;
+    double sepLineWidth;
+    int16_t sepDirection, sepCount;
+  } rows[] = {
       // every step runs: the four keys with text come from the step
       {"1.00", "<MarkSize>3.5</MarkSize>", 0, 0.5, 0, 2},
       // the file's own SepCount stands in front of the appended one
@@ -78,7 +76,7 @@ TEST(PreferenceFiles, OldFilesGetTheSeparationKeysOfTheirSteps) {
       {" 1.5", "", 0, 0.5, 0, 2},  // leading white space: generation 1
   };
   TempDir dir;
-  for (const OldTombo& row : rows) {
+  for (const auto& row : rows) {
     SCOPED_TRACE(std::string(row.version) + " " + row.tqTombo);
     const std::string path = dir.file("old.xml");
     const std::string file = MainFile(row.version, std::string("<PlotterUserSetup/><TomboEnv><TQTombo>") +

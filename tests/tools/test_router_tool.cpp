@@ -16,21 +16,14 @@ using tooltest::Contains;
 using tooltest::RunTool;
 using tooltest::Sample;
 
-// A closed square (0,0)-(10,10) in a new document, running clockwise or not.
+// A closed square (0,0)-(10,10) in a new layer, running clockwise (through
+// (0,10) first) or not (through (10,0) first).
 void* Square(bool clockwise) {
   void* layer = nullptr;
-  void* path = nullptr;
-  void* bezier = nullptr;
   EXPECT_EQ(RvGiCreateLayer(0, nullptr, &layer), 0u);
-  EXPECT_EQ(RvGiCreateArt(4, 4, layer, &path), 0u);
-  EXPECT_EQ(RvGiCreateArt(2, 4, path, &bezier), 0u);
-  std::vector<RVPOINT> s{{0, 0}, {10, 0}, {10, 10}, {0, 10}, {0, 0}};
-  if (clockwise) std::swap(s[1], s[3]);
-  for (const RVPOINT& p : s) {
-    RVBEZIERPOINT q{};
-    q.anchor = q.in = q.out = p;
-    EXPECT_EQ(RvGiAddBezierPoint(bezier, &q), 0u);
-  }
+  void* path = tooltest::NewArt(4, layer);
+  const double t = clockwise ? 10 : 0;
+  tooltest::AddCorners(tooltest::NewArt(2, path), {{0, 0}, {10 - t, t}, {10, 10}, {t, 10 - t}, {0, 0}});
   EXPECT_EQ(RvGiSetPathClosed(path, 1), 0u);
   EXPECT_EQ(RvGiSetPathAttrFlag(path, 7), 0u);
   return path;
@@ -116,8 +109,6 @@ TEST(ToolRouter, MillTilesAndThePictureOfTheirJobs) {
   EXPECT_TRUE(Contains(run.out, "the next job may start at y 95 mm")) << run.out;
 }
 
-}  // namespace
-
 TEST(ToolRouter, MillAndPreviewOfTheSampleCLJob) {
   rvtest::TempDir dir;
   const std::string cl = Sample("router_plate.cl"), conditions = Sample("router-conditions.xml");
@@ -157,3 +148,5 @@ TEST(ToolRouter, MillAndPreviewOfTheSampleCLJob) {
             64);
   EXPECT_EQ(RunTool({"mill", dir.file("none.cl"), "-o", dir.file("x.rvl"), "--conditions", conditions}).status, 1);
 }
+
+}  // namespace
