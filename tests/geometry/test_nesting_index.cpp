@@ -125,22 +125,4 @@ TEST(NestingIndex, FlagsMatchThePairLoop) {
   }
 }
 
-TEST(NestingIndex, OneLargePieceHoldingThousands) {
-  // A large piece first, 3 000 small pieces inside it (some of them holding
-  // a smaller one each), a few outside.
-  std::mt19937 rng(9);
-  std::uniform_real_distribution<double> unit(0.0, 1.0);
-  std::vector<std::unique_ptr<NestingShape>> shapes;
-  shapes.push_back(std::make_unique<NestingShape>(Ring(500, 500, 420, 60, 0.0)));
-  for (int k = 0; k < 3000; ++k) {
-    const double cx = 200 + unit(rng) * 600, cy = 200 + unit(rng) * 600;
-    shapes.push_back(std::make_unique<NestingShape>(Ring(cx, cy, 4, 6, unit(rng))));
-    if (k % 5 == 0) shapes.push_back(std::make_unique<NestingShape>(Ring(cx, cy, 1.5, 5, unit(rng))));
-  }
-  for (int k = 0; k < 20; ++k) shapes.push_back(std::make_unique<NestingShape>(Ring(-100 - k * 10, 0, 4, 6, 0.1)));
-  const int holes = ExpectSameFlags(shapes);
-  EXPECT_GT(holes, 2500);
-  EXPECT_LT(holes, 3600);
-}
-
 }  // namespace
