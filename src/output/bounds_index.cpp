@@ -34,10 +34,16 @@ BoundsIndex::BoundsIndex(std::vector<IntRect> boxes, std::vector<double> values)
     }
     m_x0 = x0, m_y0 = y0, m_width = x1 - x0 + 1, m_height = y1 - y0 + 1;
   }
-  while (m_leaves < n) m_leaves *= 2;
-  m_nodes.assign(2 * m_leaves, Empty());
-  for (std::size_t k = 0; k < n; ++k) m_nodes[m_leaves + k] = Leaf(k);
-  for (std::size_t k = m_leaves - 1; k >= 1; --k) Join(m_nodes[k], m_nodes[2 * k], m_nodes[2 * k + 1]);
+  while (m_buckets * kBucket < n) m_buckets *= 2;
+  m_nodes.assign(2 * m_buckets, Empty());
+  for (std::size_t b = 0; b * kBucket < n; ++b) m_nodes[m_buckets + b] = Bucket(b);
+  for (std::size_t k = m_buckets - 1; k >= 1; --k) Join(m_nodes[k], m_nodes[2 * k], m_nodes[2 * k + 1]);
+}
+
+BoundsIndex::Node BoundsIndex::Bucket(std::size_t b) const {
+  Node node = Empty();
+  for (std::size_t k = b * kBucket; k < std::min(size(), (b + 1) * kBucket); ++k) Join(node, node, Leaf(k));
+  return node;
 }
 
 uint64_t BoundsIndex::CellsOf(int64_t x0, int64_t x1, int64_t y0, int64_t y1) const {
@@ -76,9 +82,10 @@ void BoundsIndex::Join(Node& out, const Node& l, const Node& r) {
 void BoundsIndex::Exchange(std::size_t i, std::size_t j) {
   std::swap(m_boxes[i], m_boxes[j]);
   std::swap(m_values[i], m_values[j]);
-  // Searches start after i only, so only j's leaf and its ancestors change.
-  std::size_t node = m_leaves + j;
-  m_nodes[node] = Leaf(j);
+  // Searches start after i only, and test the positions of their first
+  // bucket one by one: only j's bucket and its ancestors change.
+  std::size_t node = m_buckets + j / kBucket;
+  m_nodes[node] = Bucket(j / kBucket);
   for (node /= 2; node >= 1; node /= 2) Join(m_nodes[node], m_nodes[2 * node], m_nodes[2 * node + 1]);
 }
 
@@ -98,23 +105,30 @@ std::size_t BoundsIndex::FirstFrom(std::size_t from, const IntRect& a, double va
   // Both tests need a point of b in a, and a has none when it is empty.
   const std::size_t none = size();
   if (from >= none || a.right <= a.left || a.bottom <= a.top) return none;
+  // The rest of the first bucket, one by one.
+  const std::size_t first = from / kBucket;
+  for (std::size_t k = from; k < std::min(none, (first + 1) * kBucket); ++k) {
+    if (ExchangesWith(a, va, m_boxes[k], m_values[k])) return k;
+  }
   const uint64_t cells = CellsOf(a.left, int64_t(a.right) - 1, a.top, int64_t(a.bottom) - 1);
-  // From the leaf of `from` rightward: a node that may hold an answer is
+  // From the next bucket rightward: a node that may hold an answer is
   // entered at its left child, any other is passed by moving to the next
   // subtree on the right (up while it is a right child, then across).
-  std::size_t node = m_leaves + from;
+  std::size_t node = m_buckets + first;
   for (;;) {
-    if (MayHold(m_nodes[node], a, va, cells)) {
-      if (node < m_leaves) {
-        node *= 2;
-        continue;
-      }
-      const std::size_t k = node - m_leaves;
-      if (ExchangesWith(a, va, m_boxes[k], m_values[k])) return k;
-    }
     while (node & 1) node /= 2;
     if (node == 0) return none;
     ++node;
+    while (MayHold(m_nodes[node], a, va, cells)) {
+      if (node >= m_buckets) {
+        const std::size_t b = node - m_buckets;
+        for (std::size_t k = b * kBucket; k < std::min(none, (b + 1) * kBucket); ++k) {
+          if (ExchangesWith(a, va, m_boxes[k], m_values[k])) return k;
+        }
+        break;
+      }
+      node *= 2;
+    }
   }
 }
 

@@ -9,7 +9,9 @@
 // cells of the drawing that their boxes touch. The search walks from the
 // start rightward and passes over every node that can hold no such entry;
 // only the exact test at a leaf decides, so the answer is that of the plain
-// walk. Entries in the order of the block keys lie near their neighbours,
+// walk. The lowest nodes stand for buckets of a few positions, which the
+// search tests one by one. Entries in the order of the block keys lie near
+// their neighbours,
 // and the nodes prune well; entries all in one block, in no spatial order,
 // prune little.
 #pragma once
@@ -59,9 +61,14 @@ class BoundsIndex {
   std::vector<double> m_values;
   // The drawing's extent: the least corner and the sizes.
   int64_t m_x0 = 0, m_y0 = 0, m_width = 1, m_height = 1;
-  // m_leaves (a power of two) leaves; node k has children 2k and 2k + 1.
-  std::size_t m_leaves = 1;
+  // Positions in buckets of kBucket; m_buckets (a power of two) bucket
+  // nodes from m_buckets on, node k with children 2k and 2k + 1 above them.
+  static constexpr std::size_t kBucket = 4;
+  std::size_t m_buckets = 1;
   std::vector<Node> m_nodes;
+
+  /// The node of bucket b from its positions' boxes and values.
+  Node Bucket(std::size_t b) const;
 };
 
 }  // namespace rv
