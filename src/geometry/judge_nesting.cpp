@@ -54,9 +54,10 @@ int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
     if (outer.Winds(inner.Corner(k), near) == 0) return 0;
   }
   bool undecided = false;
+  std::vector<RVPOINT> points;
   for (std::size_t k = 0; k < inner.CornerCount(); ++k) {
     if (!outer.Touches(inner.Corner(k), inner.Corner(k + 1), near)) continue;
-    const std::vector<RVPOINT>& points = inner.SegmentPoints(k);
+    inner.SegmentPoints(k, points);
     for (std::size_t m = 0; m + 1 < points.size(); ++m) {
       int winds = outer.Winds(points[m], near);
       if (winds < 0) winds = outer.ChordsInside(points[m], near);

@@ -178,17 +178,18 @@ bool StraightOutline::MeetsBox(const PlainBox& box) const {
   });
 }
 
-const std::vector<RVPOINT>& StraightOutline::SegmentPoints(std::size_t k) const {
+void StraightOutline::SegmentPoints(std::size_t k, std::vector<RVPOINT>& out) const {
+  // The handles of a straight segment sit on their anchors.
+  const RVBEZIERPOINT a{Corner(k), Corner(k), Corner(k), 0};
+  const RVBEZIERPOINT b{Corner(k + 1), Corner(k + 1), Corner(k + 1), 0};
+  out.clear();
+  CurveToPoints(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, out);
+}
+
+const std::vector<RVPOINT>& StraightOutline::KeptSegmentPoints(std::size_t k) const {
   Bands();
-  std::vector<std::vector<RVPOINT>>& made = m_lookup->segmentPoints;
-  if (made.empty()) made.resize(m_count);
-  std::vector<RVPOINT>& points = made[k];
-  if (points.empty()) {
-    // The handles of a straight segment sit on their anchors.
-    const RVBEZIERPOINT a{Corner(k), Corner(k), Corner(k), 0};
-    const RVBEZIERPOINT b{Corner(k + 1), Corner(k + 1), Corner(k + 1), 0};
-    CurveToPoints(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, points);
-  }
+  std::vector<RVPOINT>& points = m_lookup->segmentPoints[uint32_t(k)];
+  if (points.empty()) SegmentPoints(k, points);
   return points;
 }
 
@@ -224,7 +225,7 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   }
   double sum = 0.0;
   for (uint32_t k : nearEdges) {
-    const std::vector<RVPOINT>& points = SegmentPoints(k);
+    const std::vector<RVPOINT>& points = KeptSegmentPoints(k);
     for (std::size_t c = 0; c + 1 < points.size(); ++c) {
       const RVPOINT& u = points[c];
       const RVPOINT& v = points[c + 1];

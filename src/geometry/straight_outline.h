@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 #include "geometry/box_grid.h"
@@ -64,9 +65,9 @@ class StraightOutline {
   /// taken from the chords of the segments near q and the crossings of the
   /// others; -1 when the angle lies too close to the threshold to tell.
   int ChordsInside(const RVPOINT& q, double near) const;
-  /// The points of the coarse polyline for segment k: corner k, the chords'
-  /// ends, corner k + 1 last.
-  const std::vector<RVPOINT>& SegmentPoints(std::size_t k) const;
+  /// The points of the coarse polyline for segment k into `out`: corner k,
+  /// the chords' ends, corner k + 1 last.
+  void SegmentPoints(std::size_t k, std::vector<RVPOINT>& out) const;
 
  private:
   const RVBEZIERPOINT* m_records = nullptr;
@@ -78,7 +79,7 @@ class StraightOutline {
   // Made at the first point asked about: most outlines are never asked.
   struct Lookup {
     EdgeBands bands;
-    std::vector<std::vector<RVPOINT>> segmentPoints;
+    std::unordered_map<uint32_t, std::vector<RVPOINT>> segmentPoints;  // of the segments asked near
   };
   mutable std::unique_ptr<Lookup> m_lookup;
 
@@ -87,6 +88,8 @@ class StraightOutline {
     return m_lookup->bands;
   }
   void MakeLookup() const;
+  /// SegmentPoints kept for the next points asked about.
+  const std::vector<RVPOINT>& KeptSegmentPoints(std::size_t k) const;
   /// f(k) for each edge k (Corner(k) to Corner(k + 1)) in the bands that
   /// [low, high] touches, until f returns true; whether one did.
   template <class F>
