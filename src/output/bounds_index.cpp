@@ -89,7 +89,8 @@ void BoundsIndex::Exchange(std::size_t i, std::size_t j) {
   for (node /= 2; node >= 1; node /= 2) Join(m_nodes[node], m_nodes[2 * node], m_nodes[2 * node + 1]);
 }
 
-bool BoundsIndex::MayHold(const Node& n, const IntRect& a, double va, uint64_t cells) const {
+[[gnu::always_inline]] inline bool BoundsIndex::MayHold(const Node& n, const IntRect& a, double va,
+                                                        uint64_t cells) const {
   if ((n.cells & cells) == 0) return false;
   // Meeting with a smaller value: some left below a's right, some right
   // beyond a's left, the same in y, and some value below va.

@@ -25,6 +25,18 @@ inline bool PtInRect(const IntRect& r, int32_t x, int32_t y) {
 
 /// The common part of a and b in `out`. False, with `out` all zeros, when
 /// either has no area or they share no area (touching edges don't count).
-bool IntersectRect(IntRect& out, const IntRect& a, const IntRect& b);
+inline bool IntersectRect(IntRect& out, const IntRect& a, const IntRect& b) {
+  IntRect r;
+  r.left = a.left > b.left ? a.left : b.left;
+  r.top = a.top > b.top ? a.top : b.top;
+  r.right = a.right < b.right ? a.right : b.right;
+  r.bottom = a.bottom < b.bottom ? a.bottom : b.bottom;
+  if (IsRectEmpty(a) || IsRectEmpty(b) || IsRectEmpty(r)) {
+    out = IntRect{};
+    return false;
+  }
+  out = r;
+  return true;
+}
 
 }  // namespace rv
