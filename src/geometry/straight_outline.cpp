@@ -226,7 +226,27 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   double sum = 0.0;
   for (uint32_t k : nearEdges) {
     const std::vector<RVPOINT>& points = KeptSegmentPoints(k);
-    for (std::size_t c = 0; c + 1 < points.size(); ++c) {
+    // The chords' ends run along the segment at least a unit apart, so their
+    // positions along it rise. Only the chords whose span comes within twice
+    // `near` of q's position can be near q; a run of chords before or after
+    // them is far from q all along and crosses the ray as its first and last
+    // points joined straight do.
+    const RVPOINT& from = points.front();
+    const double dx = points.back().x - from.x, dy = points.back().y - from.y;
+    auto along = [&](const RVPOINT& p) { return (p.x - from.x) * dx + (p.y - from.y) * dy; };
+    const double reach = 2.0 * near * std::sqrt(dx * dx + dy * dy);
+    const double low = along(q) - reach, high = along(q) + reach;
+    std::size_t first = std::size_t(std::upper_bound(points.begin(), points.end(), low,
+                                                     [&](double v, const RVPOINT& p) { return v < along(p); }) -
+                                    points.begin());
+    first = first == 0 ? 0 : first - 1;  // the last point at or before `low`
+    const std::size_t last = std::size_t(std::lower_bound(points.begin(), points.end(), high,
+                                                          [&](const RVPOINT& p, double v) { return along(p) < v; }) -
+                                         points.begin());
+    const std::size_t end = std::min(last, points.size() - 1);
+    if (first > 0) turn(points.front(), points[first]);
+    if (end + 1 < points.size()) turn(points[end], points.back());
+    for (std::size_t c = first; c < end; ++c) {
       const RVPOINT& u = points[c];
       const RVPOINT& v = points[c + 1];
       if (PointNear(q, u, v, near)) {

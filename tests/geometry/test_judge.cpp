@@ -298,6 +298,16 @@ TEST_F(Judge, FastNestingMatchesThePlainAlgorithm) {
     SCOPED_TRACE(seed);
     EXPECT_GT(ExpectSameAsPlain(PieceScene(seed), seed % 2 == 0, 0), 15);
   }
+  // A side so nearly level that it crosses the height of a corner lying
+  // just off it far along: the corner's test counts that crossing. Both
+  // ways round, so that the crossing lies before and after the corner.
+  for (bool reversed : {false, true}) {
+    std::vector<RVPOINT> outer = {{0, 0}, {2000, 1e-7}, {2000, 50}, {0, 50}};
+    if (reversed) std::reverse(outer.begin(), outer.end());
+    for (double y : {1e-8, 1.4e-7}) {
+      ExpectSameAsPlain({Polygon(outer), Polygon({{1500, y}, {1500, 10}, {1510, 10}, {1510, y}})}, false, 0);
+    }
+  }
   // Squares that share a corner and two sides; a path without points.
   ExpectSameAsPlain({Square(0, 0, 10), PathOf({}), Square(0, 0, 5)}, false, 0);
   std::vector<void*> paths = MakeScene(2, 4, 9);
