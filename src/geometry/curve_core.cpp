@@ -45,6 +45,10 @@ bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, do
   const int32_t ax = GridCell(a.anchor.x), ay = GridCell(a.anchor.y);
   const int32_t bx = GridCell(b.anchor.x), by = GridCell(b.anchor.y);
   if (ax == bx && ay == by) return true;
+  // Every test below ends in maxLength > d: a chord as long as that, or
+  // longer (or NaN), is never flat.
+  const double d = Distance(a.anchor, b.anchor);
+  if (!(maxLength > d)) return false;
 
   // The chord as y = m x + q; a chord on one grid line counts as m = 0.
   const bool sameX = ax == bx, sameY = ay == by;
@@ -62,14 +66,13 @@ bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, do
                std::fabs(AngleOfThreePoints(b.in, b.anchor, a.anchor)) <= tolerance;
   }
 
-  const double d = Distance(a.anchor, b.anchor);
-  if (mode != 0 && straight) return maxLength > d;
+  if (mode != 0 && straight) return true;
 
   // Otherwise both handles must lie within `tolerance` of the chord's line.
   const double norm = std::sqrt(1.0 + m * m);
   if (std::fabs(m * a.out.x - a.out.y + q) / norm > tolerance) return false;
   if (std::fabs(m * b.in.x - b.in.y + q) / norm > tolerance) return false;
-  return mode != 0 && maxLength > d;
+  return mode != 0;
 }
 
 namespace {
