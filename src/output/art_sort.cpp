@@ -95,6 +95,7 @@ void CRvArtSort::forEach(CRvRVLFormat& format, uint32_t (*callback)(void*, void*
 }
 
 void CRvArtSort::copyToInsideList(std::vector<RVINSIDEPATH>& list) const {
+  list.reserve(list.size() + m_entries.size());
   for (const RVSORTENTRY& e : m_entries) list.push_back(RVINSIDEPATH{e.art, 0});
 }
 
