@@ -22,10 +22,8 @@ BoxGrid::BoxGrid(std::vector<PlainBox> boxes) : m_boxes(std::move(boxes)) {
   if (m_boxes.empty()) return;
   m_all = m_boxes[0];
   for (const PlainBox& b : m_boxes) {
-    m_all.left = std::min(m_all.left, b.left);
-    m_all.bottom = std::min(m_all.bottom, b.bottom);
-    m_all.right = std::max(m_all.right, b.right);
-    m_all.top = std::max(m_all.top, b.top);
+    m_all.Take(b.left, b.bottom);
+    m_all.Take(b.right, b.top);
   }
   uint32_t levels = 1;
   while (m_side < (1u << 12) && 2.0 * double(m_side) * double(m_side) < double(m_boxes.size())) {

@@ -21,7 +21,19 @@ namespace rv {
 struct PlainBox {
   double left = 0, bottom = 0, right = 0, top = 0;
 
+  /// The box of one point.
+  static PlainBox At(double x, double y) { return PlainBox{x, y, x, y}; }
   bool Holds(double x, double y) const { return left <= x && x <= right && bottom <= y && y <= top; }
+  /// Whether the two boxes share a point.
+  bool Meets(const PlainBox& b) const { return !(b.right < left || b.left > right || b.top < bottom || b.bottom > top); }
+  PlainBox Grown(double by) const { return PlainBox{left - by, bottom - by, right + by, top + by}; }
+  /// Widens the box to hold (x, y).
+  void Take(double x, double y) {
+    if (x < left) left = x;
+    if (x > right) right = x;
+    if (y < bottom) bottom = y;
+    if (y > top) top = y;
+  }
 };
 
 class BoxGrid {

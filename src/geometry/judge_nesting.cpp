@@ -45,11 +45,7 @@ int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
   // first corner tells.
   const int first = outer.Winds(inner.Corner(0), near);
   if (first == 0) return 0;
-  if (first == 1) {
-    const PlainBox box = inner.Box();
-    const double grow = 2.0 * near;
-    if (!outer.MeetsBox({box.left - grow, box.bottom - grow, box.right + grow, box.top + grow})) return 1;
-  }
+  if (first == 1 && !outer.MeetsBox(inner.Box().Grown(2.0 * near))) return 1;
   for (std::size_t k = 1; k < inner.CornerCount(); ++k) {
     if (outer.Winds(inner.Corner(k), near) == 0) return 0;
   }
@@ -87,6 +83,10 @@ class NestingFlags {
   const StraightOutline* Outline(std::size_t k) const {
     return m_items[k].outline == NestItem::kNoOutline ? nullptr : &m_outlines[m_items[k].outline];
   }
+  PlainBox Reach(std::size_t k) const { return Outline(k) ? Outline(k)->Reach() : m_shapes[k]->Reach(); }
+  /// The box of points that must lie inside a container (probes or corners).
+  PlainBox Probes(std::size_t k) const { return Outline(k) ? Outline(k)->Box() : m_shapes[k]->Probes(); }
+  bool CanBeInside(std::size_t k) const { return Outline(k) || m_shapes[k]->CanBeInside(); }
   const NestingShape& Shape(std::size_t k);
   /// Whether x comes before y in the order of the judgment: larger area
   /// first, equal areas in the order given.
@@ -156,14 +156,14 @@ bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
 std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
   const std::size_t count = m_items.size();
   std::vector<PlainBox> reaches(count);
-  for (std::size_t k = 0; k < count; ++k) reaches[k] = Outline(k) ? Outline(k)->Reach() : m_shapes[k]->Reach();
+  for (std::size_t k = 0; k < count; ++k) reaches[k] = Reach(k);
   const BoxGrid tree(std::move(reaches));
   // containers[first[j] .. first[j + 1]): the paths before j that hold j.
   std::vector<uint32_t> first(count + 1, 0), containers, found;
   for (std::size_t j = 0; j < count; ++j) {
     first[j] = uint32_t(containers.size());
-    if (Outline(j) == nullptr && !m_shapes[j]->CanBeInside()) continue;
-    const PlainBox probes = Outline(j) ? Outline(j)->Box() : m_shapes[j]->Probes();
+    if (!CanBeInside(j)) continue;
+    const PlainBox probes = Probes(j);
     found.clear();
     tree.Stab(probes.left, probes.bottom, [&](std::size_t i) {
       if (i != j && tree.Box(i).Holds(probes.right, probes.top) && !(m_items[i].high < m_items[j].low)) {

@@ -31,29 +31,23 @@ NestingShape::NestingShape(CoarsePolyline line) : m_line(std::move(line)) {
   m_line.ends.shrink_to_fit();
   const auto& pts = m_line.points;
   if (pts.empty()) return;
-  m_box = Box{pts[0].x, pts[0].y, pts[0].x, pts[0].y};
+  m_box = Box::At(pts[0].x, pts[0].y);
   for (const RVPOINT& p : pts) {
     if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
       m_finite = false;
       return;
     }
-    if (p.x < m_box.left) m_box.left = p.x;
-    if (p.x > m_box.right) m_box.right = p.x;
-    if (p.y < m_box.bottom) m_box.bottom = p.y;
-    if (p.y > m_box.top) m_box.top = p.y;
+    m_box.Take(p.x, p.y);
   }
   // The probes are the first point of each edge.
   bool first = true;
   ForEachEdge([&](const RVPOINT& p, const RVPOINT&) {
     ++m_edgeCount;
     if (first) {
-      m_probeBox = Box{p.x, p.y, p.x, p.y};
+      m_probeBox = Box::At(p.x, p.y);
       first = false;
     }
-    if (p.x < m_probeBox.left) m_probeBox.left = p.x;
-    if (p.x > m_probeBox.right) m_probeBox.right = p.x;
-    if (p.y < m_probeBox.bottom) m_probeBox.bottom = p.y;
-    if (p.y > m_probeBox.top) m_probeBox.top = p.y;
+    m_probeBox.Take(p.x, p.y);
   });
   // Outside the box by more than this, every edge is seen under an angle
   // well away from +-pi, so the angle sum is 0 up to rounding.
@@ -191,8 +185,7 @@ bool NestingShape::Contains(const RVPOINT& q) const {
 }
 
 PlainBox NestingShape::Reach() const {
-  const double m = m_margin;
-  return PlainBox{m_box.left - m, m_box.bottom - m, m_box.right + m, m_box.top + m};
+  return m_box.Grown(m_margin);
 }
 
 bool NestingShape::InsideOf(const NestingShape& outer) const {

@@ -48,6 +48,18 @@ int Side(const RVPOINT& p, const RVPOINT& q, const RVPOINT& r) {
   return 0;
 }
 
+// How the edge a-b, far from q, crosses the ray from q towards -x: -1 up
+// across it, 1 down across it, 0 not at all. A point on q's height counts
+// as above it.
+int RayCrossing(const RVPOINT& a, const RVPOINT& b, const RVPOINT& q) {
+  const double uy = a.y - q.y, vy = b.y - q.y;
+  if ((uy < 0.0) == (vy < 0.0)) return 0;
+  const double cross = (a.x - q.x) * (b.y - a.y) - (a.y - q.y) * (b.x - a.x);
+  if (uy < 0.0 && cross < 0.0) return -1;
+  if (uy >= 0.0 && cross > 0.0) return 1;
+  return 0;
+}
+
 }  // namespace
 
 bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t start, double& areaLow,
@@ -60,7 +72,7 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
   double length = 0, chords = 0, sum = 0;
   m_scale = 0;
   const RVPOINT& first = Corner(0);
-  m_box = PlainBox{first.x, first.y, first.x, first.y};
+  m_box = PlainBox::At(first.x, first.y);
   for (std::size_t k = 0; k < m_count; ++k) {
     const RVPOINT& a = Corner(k);
     const RVPOINT& b = Corner(k + 1);
@@ -79,10 +91,7 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
     chords += 4.0 * (d + 2.0);
     sum += (b.x - a.x) * (b.y + a.y) * 0.5;
     m_scale = std::max({m_scale, std::fabs(a.x), std::fabs(a.y)});
-    m_box.left = std::min(m_box.left, a.x);
-    m_box.right = std::max(m_box.right, a.x);
-    m_box.bottom = std::min(m_box.bottom, a.y);
-    m_box.top = std::max(m_box.top, a.y);
+    m_box.Take(a.x, a.y);
   }
   // The polyline's sum differs from the polygon's by the thin areas between
   // each segment and its chords, and by the rounding of both sums.
@@ -95,8 +104,7 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
 }
 
 PlainBox StraightOutline::Reach() const {
-  const double grow = 2.0 * Tolerance() + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0);
-  return PlainBox{m_box.left - grow, m_box.bottom - grow, m_box.right + grow, m_box.top + grow};
+  return m_box.Grown(2.0 * Tolerance() + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0));
 }
 
 void StraightOutline::MakeLookup() const {
@@ -119,9 +127,7 @@ bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
 }
 
 int StraightOutline::Winds(const RVPOINT& q, double near) const {
-  if (q.x < m_box.left - near || q.x > m_box.right + near || q.y < m_box.bottom - near || q.y > m_box.top + near) {
-    return 0;
-  }
+  if (!m_box.Grown(near).Holds(q.x, q.y)) return 0;
   // The edges near q and those that cross its horizontal: one walk when
   // they all sit in q's band.
   const EdgeBands& bands = Bands();
@@ -132,32 +138,30 @@ int StraightOutline::Winds(const RVPOINT& q, double near) const {
   int winding = 0;
   for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
     if (oneBand && nearQ(*e)) return -1;
-    const RVPOINT& a = Corner(*e);
-    const RVPOINT& b = Corner(*e + 1);
-    const bool upFrom = a.y <= q.y;
-    if (upFrom == (b.y <= q.y)) continue;
-    const double cross = (a.x - q.x) * (b.y - a.y) - (a.y - q.y) * (b.x - a.x);
-    if (upFrom && cross > 0) ++winding;
-    if (!upFrom && cross < 0) --winding;
+    winding += RayCrossing(Corner(*e), Corner(*e + 1), q);
   }
-  // Far from every edge: the crossings of its horizontal count.
+  // Far from every edge: the crossings of its ray count.
   return winding != 0 ? 1 : 0;
+}
+
+template <class F>
+bool StraightOutline::AnyEdgeMeeting(const PlainBox& box, F&& f) const {
+  if (!m_box.Meets(box)) return false;
+  return AnyEdgeNear(box.bottom, box.top, [&](std::size_t k) {
+    const RVPOINT& c = Corner(k);
+    const RVPOINT& d = Corner(k + 1);
+    PlainBox edge = PlainBox::At(c.x, c.y);
+    edge.Take(d.x, d.y);
+    return edge.Meets(box) && f(c, d);
+  });
 }
 
 bool StraightOutline::Touches(const RVPOINT& a, const RVPOINT& b, double near) const {
   // Boxes grown by twice `near`: a corner that Winds finds near an edge is
   // found here too.
-  const double grow = 2.0 * near;
-  const double left = std::min(a.x, b.x) - grow, right = std::max(a.x, b.x) + grow;
-  const double bottom = std::min(a.y, b.y) - grow, top = std::max(a.y, b.y) + grow;
-  if (right < m_box.left || left > m_box.right || top < m_box.bottom || bottom > m_box.top) return false;
-  return AnyEdgeNear(bottom, top, [&](std::size_t k) {
-    const RVPOINT& c = Corner(k);
-    const RVPOINT& d = Corner(k + 1);
-    if (std::max(c.x, d.x) < left || std::min(c.x, d.x) > right || std::max(c.y, d.y) < bottom ||
-        std::min(c.y, d.y) > top) {
-      return false;
-    }
+  PlainBox box = PlainBox::At(a.x, a.y);
+  box.Take(b.x, b.y);
+  return AnyEdgeMeeting(box.Grown(2.0 * near), [&](const RVPOINT& c, const RVPOINT& d) {
     if (PointNear(a, c, d, near) || PointNear(b, c, d, near) || PointNear(c, a, b, near) ||
         PointNear(d, a, b, near)) {
       return true;
@@ -169,13 +173,7 @@ bool StraightOutline::Touches(const RVPOINT& a, const RVPOINT& b, double near) c
 }
 
 bool StraightOutline::MeetsBox(const PlainBox& box) const {
-  if (box.right < m_box.left || box.left > m_box.right || box.top < m_box.bottom || box.bottom > m_box.top) return false;
-  return AnyEdgeNear(box.bottom, box.top, [&](std::size_t k) {
-    const RVPOINT& c = Corner(k);
-    const RVPOINT& d = Corner(k + 1);
-    return !(std::max(c.x, d.x) < box.left || std::min(c.x, d.x) > box.right || std::max(c.y, d.y) < box.bottom ||
-             std::min(c.y, d.y) > box.top);
-  });
+  return AnyEdgeMeeting(box, [](const RVPOINT&, const RVPOINT&) { return true; });
 }
 
 void StraightOutline::SegmentPoints(std::size_t k, std::vector<RVPOINT>& out) const {
@@ -204,13 +202,7 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   // the rest give their turns.
   auto phi = [&](const RVPOINT& p) { return std::atan2(p.y - q.y, p.x - q.x); };
   long turns = 0;
-  auto turn = [&](const RVPOINT& a, const RVPOINT& b) {
-    const double uy = a.y - q.y, vy = b.y - q.y;
-    if ((uy < 0.0) == (vy < 0.0)) return;
-    const double cross = (a.x - q.x) * (b.y - a.y) - (a.y - q.y) * (b.x - a.x);
-    if (uy < 0.0 && cross < 0.0) --turns;  // up across the ray left of q
-    if (uy >= 0.0 && cross > 0.0) ++turns;  // down across it
-  };
+  auto turn = [&](const RVPOINT& a, const RVPOINT& b) { turns += RayCrossing(a, b, q); };
   std::vector<uint32_t> nearEdges;
   AnyEdgeNear(q.y - near, q.y + near, [&](std::size_t k) {
     if (PointNear(q, Corner(k), Corner(k + 1), near)) nearEdges.push_back(uint32_t(k));

@@ -94,6 +94,10 @@ class StraightOutline {
   /// [low, high] touches, until f returns true; whether one did.
   template <class F>
   bool AnyEdgeNear(double low, double high, F&& f) const;
+  /// f(c, d) for each edge c-d whose box meets `box`, until f returns true;
+  /// whether one did.
+  template <class F>
+  bool AnyEdgeMeeting(const PlainBox& box, F&& f) const;
 };
 
 }  // namespace rv

@@ -27,10 +27,6 @@ struct RVSORTENTRY {
   void* art = nullptr;
 };
 
-/// Entries after the current one that the refinement by bounds tries in
-/// place before it asks its index.
-constexpr std::size_t kNearEntries = 4;
-
 /// Largest distance that the nearest-start refinement keeps.
 constexpr double kDistanceCap = 170000.0;
 
@@ -200,18 +196,10 @@ void RefineByBoundsWith(std::vector<RVSORTENTRY>& entries, std::vector<IntRect>&
     if (r.right < INT32_MAX) r.right += 1;
     return r;
   };
-  // Most exchanges are with the very next entries: those are tried in
-  // place before the index is asked.
-  auto next = [&](std::size_t from, const IntRect& a, double va) {
-    const std::size_t near = std::min(n, from + kNearEntries);
-    for (std::size_t k = from; k < near; ++k) {
-      if (ExchangesWith(a, va, boxes[k], entries[k].value)) return k;
-    }
-    return near < n ? index.FirstFrom(near, a, va) : n;
-  };
   for (std::size_t i = 0; i + 1 < n; ++i) {
     IntRect a = grown(boxes[i]);
-    for (std::size_t j = next(i + 1, a, entries[i].value); j < n; j = next(j + 1, a, entries[i].value)) {
+    for (std::size_t j = index.FirstFrom(i + 1, a, entries[i].value); j < n;
+         j = index.FirstFrom(j + 1, a, entries[i].value)) {
       std::swap(entries[i], entries[j]);
       std::swap(boxes[i], boxes[j]);
       index.Exchange(i, j);
