@@ -79,11 +79,10 @@ PlotInfo& CRvArt::EnsurePlotInfo() {
   return *attr.plotInfo;
 }
 
-const std::string& CRvArt::GetTag(const std::string& key) const {
-  if (!m_tags) Raise(kErrNoTag);
-  auto it = m_tags->find(key);
-  if (it == m_tags->end()) Raise(kErrNoTag);
-  return it->second;
+std::string_view CRvArt::GetTag(std::string_view key) const {
+  const std::optional<std::string_view> value = m_tags.Find(key);
+  if (!value) Raise(kErrNoTag);
+  return *value;
 }
 
 // ---------------------------------------------------------------- containers

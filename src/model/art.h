@@ -8,13 +8,13 @@
 #include <array>
 #include <cstdint>
 #include <list>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "model/drawing_memory.h"
+#include "model/tag_list.h"
 #include "rvdataaccess.h"
 
 namespace rv {
@@ -139,13 +139,11 @@ class CRvArt {
   const PlotInfo* GetPlotInfo() const { return m_attr ? m_attr->plotInfo.get() : nullptr; }
 
   // ---- tags ----
-  void SetTag(const std::string& key, const std::string& value) {
-    if (!m_tags) m_tags = std::make_unique<std::map<std::string, std::string>>();
-    (*m_tags)[key] = value;
-  }
-  /// The value of `key`; raises 0x06001A01 when there is no such tag.
-  const std::string& GetTag(const std::string& key) const;
-  bool HasTag(const std::string& key) const { return m_tags && m_tags->count(key) != 0; }
+  void SetTag(std::string_view key, std::string_view value) { m_tags.Set(key, value); }
+  /// The value of `key`, valid until the next SetTag; raises 0x06001A01
+  /// when there is no such tag.
+  std::string_view GetTag(std::string_view key) const;
+  bool HasTag(std::string_view key) const { return m_tags.Find(key).has_value(); }
 
   /// The art's matrix; the identity unless another was set.
   const RVRIFMATRIX& Matrix() const;
@@ -154,8 +152,7 @@ class CRvArt {
   CRvArt* m_parent = nullptr;
   RVRECT m_bounds{};
   std::unique_ptr<PathAttr> m_attr;
-  // Made at the first tag, as most arts have none; bytewise key order.
-  std::unique_ptr<std::map<std::string, std::string>> m_tags;
+  TagList m_tags;
   int m_attrOwned = 0;
 
  private:

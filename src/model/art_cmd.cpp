@@ -178,11 +178,11 @@ RVRECT CRvArtCmd::GetArtBounds(const CRvArt* art) const {
   return out;
 }
 
-void CRvArtCmd::SetArtTag(CRvArt* art, const std::string& key, const std::string& value) const {
+void CRvArtCmd::SetArtTag(CRvArt* art, std::string_view key, std::string_view value) const {
   NeedArt(art).SetTag(key, value);
 }
 
-const std::string& CRvArtCmd::GetArtTag(const CRvArt* art, const std::string& key) const {
+std::string_view CRvArtCmd::GetArtTag(const CRvArt* art, std::string_view key) const {
   return NeedArt(art).GetTag(key);
 }
 

@@ -68,8 +68,9 @@ class CRvArtCmd {
   void SetBoundingBox(CRvArt* art, const RVRECT& rect) const;
   /// m_bounds with each corner mapped through m_matrix (not normalised).
   RVRECT GetArtBounds(const CRvArt* art) const;
-  void SetArtTag(CRvArt* art, const std::string& key, const std::string& value) const;
-  const std::string& GetArtTag(const CRvArt* art, const std::string& key) const;
+  void SetArtTag(CRvArt* art, std::string_view key, std::string_view value) const;
+  /// Valid until the art's next tag is set.
+  std::string_view GetArtTag(const CRvArt* art, std::string_view key) const;
 
   // ---- colours of layers (use ignored) and paths (use 1 fill, 2 stroke) ----
   bool GetPathColor(int16_t use, const CRvArt* art, RVCOLOR& color) const;

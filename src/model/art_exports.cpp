@@ -66,11 +66,11 @@ RV_API uint32_t RvGiGetArtBounds(void* art, RVRECT* rect) {
 }
 
 RV_API uint32_t RvGiSetArtTag(void* art, const char* key, const char* value) {
-  return Guard([&] { Store().SetArtTag(ArtOf(art), Text(key), Text(value)); });
+  return Guard([&] { Store().SetArtTag(ArtOf(art), TextView(key), TextView(value)); });
 }
 
 RV_API uint32_t RvGiGetArtTag(void* art, const char* key, char* value) {
-  return Guard([&] { PutText(value, Store().GetArtTag(ArtOf(art), Text(key))); });
+  return Guard([&] { PutText(value, Store().GetArtTag(ArtOf(art), TextView(key))); });
 }
 
 RV_API uint32_t RvGiGetPathColor(int16_t use, void* art, RVCOLOR* color, int32_t* found) {

@@ -113,10 +113,10 @@ class CRvDataAccess {
   void SetArtMatrix(CRvArt* art, const RVRIFMATRIX& m) { CRvArtCmd().SetArtMatrix(art, m); }
   void SetBoundingBox(CRvArt* art, const RVRECT& rect) { CRvArtCmd().SetBoundingBox(art, rect); }
   RVRECT GetArtBounds(const CRvArt* art) { return CRvArtCmd().GetArtBounds(art); }
-  void SetArtTag(CRvArt* art, const std::string& key, const std::string& value) {
+  void SetArtTag(CRvArt* art, std::string_view key, std::string_view value) {
     CRvArtCmd().SetArtTag(art, key, value);
   }
-  const std::string& GetArtTag(const CRvArt* art, const std::string& key) {
+  std::string_view GetArtTag(const CRvArt* art, std::string_view key) {
     return CRvArtCmd().GetArtTag(art, key);
   }
   bool GetPathColor(int16_t use, const CRvArt* art, RVCOLOR& color) {

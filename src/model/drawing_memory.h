@@ -1,10 +1,11 @@
 // The storage of drawings.
 //
-// Every art object (CRvArt's own operator new) and every point array of a
-// path component (DrawingVector) is allocated through here. Each document
-// owns a DrawingPool: what is made while the document is active comes from
-// the pool's chunks, small blocks cut one after the other, and a freed block
-// waits in a list of its size for the next of that size. Destroying a
+// Every art object (CRvArt's own operator new), every point array of a
+// path component (DrawingVector) and every art's block of tags is allocated
+// through here. Each document owns a DrawingPool: what is made while the
+// document is active comes from the pool's chunks, small blocks cut one
+// after the other, and a freed block waits in a list of its size for the
+// next of that size. Destroying a
 // document destroys its arts; the pool then gives back every chunk whose
 // blocks are all free. A chunk that still holds a live block (an art
 // unlinked from the document, which stays readable for the life of the

@@ -4,6 +4,7 @@
 
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include "model/art.h"
 #include "model/data_access.h"
@@ -19,12 +20,15 @@ inline void Put(T* out, const V& value) {
 }
 
 /// Copies text with its terminator into a caller buffer (skipped for null).
-inline void PutText(char* out, const std::string& text) {
-  if (out != nullptr) std::memcpy(out, text.c_str(), text.size() + 1);
+inline void PutText(char* out, std::string_view text) {
+  if (out == nullptr) return;
+  if (!text.empty()) std::memcpy(out, text.data(), text.size());
+  out[text.size()] = '\0';
 }
 
 /// Text argument; null reads as empty.
 inline std::string Text(const char* text) { return text == nullptr ? std::string() : std::string(text); }
+inline std::string_view TextView(const char* text) { return text == nullptr ? std::string_view() : std::string_view(text); }
 
 /// A record argument that must be given: raises `code` for null.
 template <class T>

@@ -127,7 +127,7 @@ uint32_t CRvRVLFormat::JointWriter(CRvArt* path) {
     }
     CRvArt* first = store.GetArtFirstChild(path);
     std::vector<int32_t> numbers{1, 1};
-    if (first != nullptr && first->HasTag(kRepeatTag)) numbers = RepeatNumbers(first->GetTag(kRepeatTag));
+    if (first != nullptr && first->HasTag(kRepeatTag)) numbers = RepeatNumbers(std::string(first->GetTag(kRepeatTag)));
     // The count holds to the passes that the tag names.
     const int32_t count = std::clamp(numbers.front(), 0, int32_t(numbers.size()) - 1);
     const RVRIFMATRIX matrix = m_mapArtMatrix ? store.GetArtMatrix(path) : kIdentity;

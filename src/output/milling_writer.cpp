@@ -168,7 +168,7 @@ void CRvRVLFormat::MillPaths(CRvArt* current, int32_t pass, bool closed, Milling
     const bool walkForward = !closed || state.forward;
     ForEachBezierComponent(path, [&](const CRvBezier& bezier) {
       if (pass == 1 && bezier.HasTag(kMicroJointTag)) {
-        state.joints = ParseJointTag(bezier.GetTag(kMicroJointTag));
+        state.joints = ParseJointTag(std::string(bezier.GetTag(kMicroJointTag)));
         state.hasJoints = true;
       }
       if (!state.hasJoints) {
