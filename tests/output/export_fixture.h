@@ -41,6 +41,13 @@ inline CondRecord Condition(const char* tool) {
   return r;
 }
 
+// The layer named `name`; null when there is none.
+inline void* LayerNamed(const char* name) {
+  void* layer = nullptr;
+  EXPECT_EQ(RvGiGetLayerFromName(&layer, name), 0u) << name;
+  return layer;
+}
+
 // Lets `write` make a job in a temporary file and returns the file's bytes;
 // `code` gets the result of `write`, which must be 0 without it.
 template <class Write>

@@ -179,9 +179,7 @@ TEST_F(RouterTest, JointsLiftedAtTheLimitDepthAndCutFreeAfterTheJob) {
   CLCondition passes[2] = {Pass(5), Pass(10)};
   ASSERT_EQ(RvCLSetCutCondition("M", passes, 2), 0u);
   void* line = AddMilled({{0, 0}, {10, 0}, {20, 0}, {30, 0}}, false);
-  void* first = nullptr;
-  ASSERT_EQ(RvGiGetArtFirstChild(line, &first), 0u);
-  ASSERT_EQ(RvGiSetArtTag(first, "RivlenKerflowMicroJointTag", "1,1,2"), 0u);
+  ASSERT_EQ(RvGiSetArtTag(Children(line).at(0), "RivlenKerflowMicroJointTag", "1,1,2"), 0u);
   int16_t layers = 0;
   ASSERT_EQ(RvGiGetLayerCount(&layers), 0u);
   RVPLOTPARAM p = Milling(0);
@@ -191,9 +189,7 @@ TEST_F(RouterTest, JointsLiftedAtTheLimitDepthAndCutFreeAfterTheJob) {
   EXPECT_EQ(Mill(p), "DF1;SP3;JW100;JZ50;" + start + "PD0.00,20.00;PD0.00,10.00;JZ50;" + end +
                          "DF1;SP3;JW100;PU;JZ0;" + start + "JZ20;PD0.00,20.00;PD0.00,10.00;JZ0;" + end + "PU;" +
                          "PU100.00,0.00;NR-1;" + "DF1;SP3;JW100;JZ0;PU0.00,20.00;PD0.00,20.00;PD0.00,10.00;PU;");
-  void* jointLayer = nullptr;
-  EXPECT_EQ(RvGiGetLayerFromName(&jointLayer, "MicroJointLayer"), 0u);
-  EXPECT_EQ(jointLayer, nullptr);
+  EXPECT_EQ(LayerNamed("MicroJointLayer"), nullptr);
   int16_t after = 0;
   ASSERT_EQ(RvGiGetLayerCount(&after), 0u);
   EXPECT_EQ(after, layers);
@@ -204,8 +200,7 @@ TEST_F(RouterTest, JointsLiftedAtTheLimitDepthAndCutFreeAfterTheJob) {
                          "DF1;JT3,2;JW100;PU;JZ0;" + start + "PD0.00,20.00;PD0.00,10.00;JZ0;" + end + "PU;");
   // Without outputMicroJoints the layer stays: one open stretch (10,0)
   // (20,0), tagged with its pass 2, keyed "M".
-  ASSERT_EQ(RvGiGetLayerFromName(&jointLayer, "MicroJointLayer"), 0u);
-  const LayerReading joints = ReadLayer(jointLayer);
+  const LayerReading joints = ReadLayer(LayerNamed("MicroJointLayer"));
   EXPECT_EQ(joints.Shapes(), "B(10,0 20,0)");
   ASSERT_EQ(joints.paths.size(), 1u);
   EXPECT_EQ(joints.paths[0].closed, 0);
@@ -231,24 +226,19 @@ TEST_F(RouterTest, JointStretchesAndTheLayerOnlyWhenJointsAreMade) {
   EXPECT_EQ(Mill(p), "DF1;SP3;JW100;JZ0;PU0.00,10.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;"
                      "PD0.00,10.00;PU;");
 
-  void* component = nullptr;
-  ASSERT_EQ(RvGiGetArtFirstChild(square, &component), 0u);
-  ASSERT_EQ(RvGiSetArtTag(component, "RivlenKerflowMicroJointTag", "2,3,1,0,2"), 0u);
+  ASSERT_EQ(RvGiSetArtTag(Children(square).at(0), "RivlenKerflowMicroJointTag", "2,3,1,0,2"), 0u);
   p.outputMicroJoints = 0;
   // Limit 0: nothing built, but the tool goes back to its depth after each
   // joint (segments 3 -> 1 over the end, 0 -> 2), and each curve writes its
   // first point again.
   EXPECT_EQ(Mill(p), "DF1;SP3;JW100;JZ0;PU0.00,10.00;PD0.00,10.00;PD10.00,10.00;JZ0;PD10.00,10.00;PD10.00,0.00;"
                      "JZ0;PD10.00,0.00;PD0.00,0.00;PD0.00,0.00;PD0.00,10.00;PU;");
-  void* layer = nullptr;
-  EXPECT_EQ(RvGiGetLayerFromName(&layer, "MicroJointLayer"), 0u);
-  EXPECT_EQ(layer, nullptr);
+  EXPECT_EQ(LayerNamed("MicroJointLayer"), nullptr);
 
   // 3 -> 0 -> 1 over the end, open; 0 -> 2: a stretch from segment 0 is closed.
   p.jointDepthLimit = 0.5;
   Mill(p);
-  ASSERT_EQ(RvGiGetLayerFromName(&layer, "MicroJointLayer"), 0u);
-  const LayerReading joints = ReadLayer(layer);
+  const LayerReading joints = ReadLayer(LayerNamed("MicroJointLayer"));
   EXPECT_EQ(joints.Shapes(), "B(10,0 0,0 0,10) | B(0,0 0,10 10,10) closed");
   ASSERT_EQ(joints.paths.size(), 2u);
   EXPECT_EQ(joints.paths[0].closed, 0);
