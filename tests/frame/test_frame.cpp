@@ -11,7 +11,8 @@
 
 namespace {
 
-std::vector<std::string> gTraced;
+using Lines = std::vector<std::string>;
+Lines gTraced;
 void CollectTrace(void*, const char* text) { gTraced.emplace_back(text); }
 
 class FrameTest : public ::testing::Test {
@@ -48,8 +49,7 @@ TEST_F(FrameTest, ExceptionWithoutARecoveryPointTracesAndReturns) {
   const uint32_t before = gGetLastError();
   Exception(0x05000D01);
   EXPECT_EQ(gGetLastError(), before);
-  ASSERT_EQ(gTraced.size(), 1u);
-  EXPECT_EQ(gTraced[0], "Error:program stopped.(code = 83889409)");
+  EXPECT_EQ(gTraced, Lines{"Error:program stopped.(code = 83889409)"});
 }
 
 TEST_F(FrameTest, FailureThreeFramesDeepComesBackUnchanged) {
@@ -106,16 +106,15 @@ TEST_F(FrameTest, PopOfAForeignRecordIsTracedAndPopsTheHead) {
   PushExceptionInfo(&a);
   PushExceptionInfo(&b);
   PopExceptionInfo(&a);
-  ASSERT_EQ(gTraced.size(), 1u);
-  EXPECT_EQ(gTraced[0], "Fatal error in internalroutine of exception handler.\n");
+  EXPECT_EQ(gTraced, Lines{"Fatal error in internalroutine of exception handler.\n"});
   EXPECT_EQ(g_ExceptionContext, &a);
   PopExceptionInfo(&a);
 }
 
 TEST_F(FrameTest, MessagesGoToTheTraceSinkUnlessAHostTakesThem) {
   rv::ShowMessage("EntryBothSidesCutInfo:Error", "test");
-  ASSERT_EQ(gTraced.size(), 1u);
-  EXPECT_EQ(gTraced[0], "test: EntryBothSidesCutInfo:Error\n");
+  const Lines traced{"test: EntryBothSidesCutInfo:Error\n"};
+  EXPECT_EQ(gTraced, traced);
   std::string seen;
   RvGiSetMessageFunction(
       [](void* ctx, const char* text, const char* title) {
@@ -125,11 +124,11 @@ TEST_F(FrameTest, MessagesGoToTheTraceSinkUnlessAHostTakesThem) {
   rv::ShowMessage("text", "title");
   RvGiSetMessageFunction(nullptr, nullptr);
   EXPECT_EQ(seen, "title|text");
-  EXPECT_EQ(gTraced.size(), 1u);
+  EXPECT_EQ(gTraced, traced);
 }
 
 struct ProgressLog {
-  std::vector<std::string> events;
+  Lines events;
   int cancelAt = -1;
 };
 
@@ -155,8 +154,8 @@ TEST_F(FrameTest, ProgressReportsInOrderAndCanCancel) {
   log.cancelAt = 50;
   EXPECT_TRUE(p.Step(&log, 50, "Sorting.... %d %%"));
   p.EndStage(&log);
-  EXPECT_EQ(log.events, (std::vector<std::string>{"begin", "range 0,100", "step 0", "Sorting.... 0 %", "step 50",
-                                                  "Sorting.... 50 %", "end"}));
+  EXPECT_EQ(log.events,
+            (Lines{"begin", "range 0,100", "step 0", "Sorting.... 0 %", "step 50", "Sorting.... 50 %", "end"}));
 
   // Without a step callback no message is sent and nothing can cancel.
   log.events.clear();

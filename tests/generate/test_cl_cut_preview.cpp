@@ -4,22 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <cstdio>
 #include <cstdint>
 #include <string>
+#include <tuple>
 #include <vector>
 
+#include "drawing_text.h"
 #include "rvdataaccess.h"
 #include "test_support.h"
 
 namespace {
-
-/// A point as "x,y" with ten significant digits.
-std::string Pt(double x, double y) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.10g,%.10g", x + 0.0, y + 0.0);
-  return buf;
-}
 
 struct Preview {
   std::vector<RVCUTPREVIEWPASS> passes;
@@ -29,7 +23,7 @@ struct Preview {
   std::string Text(std::size_t first, std::size_t count) const {
     std::string s;
     for (std::size_t i = first; i < first + count && i < points.size(); ++i) {
-      s += (s.empty() ? "" : " ") + Pt(points[i].x, points[i].y);
+      s += (s.empty() ? "" : " ") + rvtest::PointText(points[i].x, points[i].y);
     }
     return s;
   }
@@ -170,10 +164,7 @@ TEST(ClCutPreview, CircleAndSquareGivePassesInOrderUntilTheStopFlag) {
     uint8_t clockwise = 9, closed = 9;
     uint16_t type = 9;
     EXPECT_EQ(RvExCLGetCutPreviewDataPerPass(r.index, &points, &clockwise, &closed, &type), 0u);
-    EXPECT_EQ(points, r.points) << r.index;
-    EXPECT_EQ(clockwise, r.clockwise) << r.index;
-    EXPECT_EQ(closed, r.closed) << r.index;
-    EXPECT_EQ(type, r.type) << r.index;
+    EXPECT_EQ(std::tie(points, clockwise, closed, type), std::tie(r.points, r.clockwise, r.closed, r.type)) << r.index;
   }
   EXPECT_EQ(RvExCLInitializeCutPreviewData(), 0u);
   // Without the layers: the named code of a missing layer.

@@ -32,17 +32,21 @@ rv::CRvArt* Square(double side = 100.0) {
   return static_cast<rv::CRvArt*>(path);
 }
 
-std::string JointTag(rv::CRvArt* path) {
+/// The first component of a path.
+rv::CRvArt* First(rv::CRvArt* path) {
   void* bezier = nullptr;
   RvGiGetArtFirstChild(path, &bezier);
+  return static_cast<rv::CRvArt*>(bezier);
+}
+
+std::string JointTag(rv::CRvArt* path) {
   char text[256] = {};
-  if (RvGiGetArtTag(bezier, "RivlenKerflowMicroJointTag", text) != 0) return "none";
+  if (RvGiGetArtTag(First(path), "RivlenKerflowMicroJointTag", text) != 0) return "none";
   return text;
 }
 
 std::string Anchors(rv::CRvArt* path) {
-  void* bezier = nullptr;
-  RvGiGetArtFirstChild(path, &bezier);
+  rv::CRvArt* bezier = First(path);
   int32_t n = 0;
   RvGiGetPathSegmentCount(bezier, &n);
   std::string s;
@@ -81,9 +85,7 @@ TEST(ClRouter, AutomaticJointsStandAtEvenSpacingFromTheStart) {
   for (const Row& r : rows) {
     SCOPED_TRACE(r.tag);
     rv::CRvArt* path = Square(r.side);
-    void* bezier = nullptr;
-    RvGiGetArtFirstChild(path, &bezier);
-    router.AutomaticJoints(static_cast<rv::CRvArt*>(bezier), 0, true, r.length, r.count);
+    router.AutomaticJoints(First(path), 0, true, r.length, r.count);
     EXPECT_EQ(JointTag(path), r.tag);
     EXPECT_EQ(Anchors(path), r.anchors);
   }
@@ -95,13 +97,11 @@ TEST(ClRouter, LeadLeavesFromTheBisectorBesideTheCut) {
   // start on the bisector of the corner. The three records follow the last
   // point and the start moves onto the first lead point.
   rv::CRvArt* path = Square();
-  void* bezier = nullptr;
-  RvGiGetArtFirstChild(path, &bezier);
-  RvGiReverseBezierPoint(bezier);  // (0,100) (100,100) (100,0) (0,0)
+  RvGiReverseBezierPoint(First(path));  // (0,100) (100,100) (100,0) (0,0)
   router.Lead(path, 0, false);
   EXPECT_EQ(Anchors(path), "0,100 100,100 100,0 0,0 0,100 -1.41421,101.414 -1.41421,101.414");
   int16_t start = -1;
-  RvGiGetPathStartSegment(bezier, &start);
+  RvGiGetPathStartSegment(First(path), &start);
   EXPECT_EQ(start, 5);
   // Counter-clockwise, a hole's sense: the lead point lies inside.
   path = Square();

@@ -9,11 +9,8 @@ namespace {
 class GenerateExport : public GenerateTest {
  protected:
   std::string Export(uint16_t plotterClass) {
-    TempDir dir;
-    const std::string file = dir.file("job.rvl");
     const RVPLOTPARAM param = Param(plotterClass, 0);
-    EXPECT_EQ(RvExRIFToRVL(file.c_str(), m_document, &param, nullptr), 0u);
-    return ReadFile(file);
+    return WrittenJob([&](const char* file) { return RvExRIFToRVL(file, m_document, &param, nullptr); });
   }
 };
 

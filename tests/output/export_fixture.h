@@ -41,6 +41,25 @@ inline CondRecord Condition(const char* tool) {
   return r;
 }
 
+// The layer named `name`; null when there is none.
+inline void* LayerNamed(const char* name) {
+  void* layer = nullptr;
+  EXPECT_EQ(RvGiGetLayerFromName(&layer, name), 0u) << name;
+  return layer;
+}
+
+// Lets `write` make a job in a temporary file and returns the file's bytes;
+// `code` gets the result of `write`, which must be 0 without it.
+template <class Write>
+std::string WrittenJob(Write&& write, uint32_t* code = nullptr) {
+  TempDir dir;
+  const std::string file = dir.file("job.rvl");
+  const uint32_t result = write(file.c_str());
+  EXPECT_TRUE(code != nullptr || result == 0u) << std::hex << result;
+  if (code != nullptr) *code = result;
+  return ReadFile(file);
+}
+
 class ExportTest : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -88,15 +107,9 @@ class ExportTest : public ::testing::Test {
     return path;
   }
 
-  // Exports the document and returns the file's bytes; `code` gets the
-  // result, which must be 0 without it.
+  // Exports the document and returns the file's bytes (see WrittenJob).
   std::string Export(const RVPLOTPARAM& param, uint32_t* code = nullptr, void* context = nullptr) {
-    TempDir dir;
-    const std::string file = dir.file("job.rvl");
-    const uint32_t result = RvExRIFToRVL(file.c_str(), m_document, &param, context);
-    EXPECT_TRUE(code != nullptr || result == 0u) << std::hex << result;
-    if (code != nullptr) *code = result;
-    return ReadFile(file);
+    return WrittenJob([&](const char* file) { return RvExRIFToRVL(file, m_document, &param, context); }, code);
   }
 
   // Adds a pass with `record` at the end of the passes of media `key`.

@@ -73,9 +73,7 @@ TEST(ClMilling, RectangleAndLineFromFileToMillingJob) {
   // The route's layers stay: the base layer, the per-art result and the
   // working layer of the import.
   for (const char* name : {"CLRouterBaseOffsetLayer", "CLRouterOffsetLayerA", "CLTempFileLayer"}) {
-    void* layer = nullptr;
-    RvGiGetLayerFromName(&layer, name);
-    EXPECT_NE(layer, nullptr) << name;
+    EXPECT_NE(LayerNamed(name), nullptr) << name;
   }
 }
 
@@ -106,7 +104,5 @@ TEST(ClMilling, JointsKeepTheToolMachineRowsAndAreCutFreeBelowTheSheet) {
   EXPECT_EQ(job.Mill(p), "DF1;JT3,2;JW100;JZ-59;JZ-49;" + joint + "JZ-59;" + rest +  //
                              "DF1;JT3,2;JW100;PU;JZ0;" + joint + "JZ0;" + rest + "PU;" +
                              "DF1;JT3,2;JW100;JZ15;" + joint + "PU;");
-  void* layer = nullptr;
-  RvGiGetLayerFromName(&layer, "MicroJointLayer");
-  EXPECT_EQ(layer, nullptr);
+  EXPECT_EQ(LayerNamed("MicroJointLayer"), nullptr);
 }

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "drawing_text.h"
 #include "export_fixture.h"
 
 namespace {
@@ -37,11 +38,8 @@ uint32_t MakeOffset(void* user, void* art, double offset, void** result) {
   return log.code;
 }
 
-struct Messages {
-  std::vector<std::string> texts;
-};
 void OnMessage(void* context, const char* text, const char* title) {
-  static_cast<Messages*>(context)->texts.push_back(std::string(title) + ": " + text);
+  static_cast<std::vector<std::string>*>(context)->push_back(std::string(title) + ": " + text);
 }
 
 int gCancelAt = -1;  // the step call that cancels
@@ -61,6 +59,8 @@ class RouterTest : public ExportTest {
     ExportTest::SetUp();
     RvGiSetRefMapRouterOffsetSIndex(m_map);
     RvGiSetRefMapRouterOffsetEIndex(m_map);
+    m_messages.clear();
+    RvGiSetMessageFunction(OnMessage, &m_messages);
   }
   void TearDown() override {
     RvGiSetMessageFunction(nullptr, nullptr);
@@ -78,24 +78,15 @@ class RouterTest : public ExportTest {
     return p;
   }
   std::string Mill(const RVPLOTPARAM& param, OffsetLog* log = nullptr, uint32_t* code = nullptr) {
-    TempDir dir;
-    const std::string file = dir.file("job.rvl");
-    const uint32_t result = RvExRIFMillingToRVL(file.c_str(), m_document, &param, nullptr, log,
-                                                log != nullptr ? MakeOffset : nullptr);
-    EXPECT_TRUE(code != nullptr || result == 0u) << std::hex << result;
-    if (code != nullptr) *code = result;
-    return ReadFile(file);
+    return WrittenJob([&](const char* file) {
+      return RvExRIFMillingToRVL(file, m_document, &param, nullptr, log, log != nullptr ? MakeOffset : nullptr);
+    }, code);
   }
   std::string Tiles(RVPLOTPARAM& param, const std::vector<RVTILE>& tiles, uint32_t* code = nullptr) {
     RVTILEPARAM t{};
     std::strcpy(t.prefix, "T");
     t.tiles = tiles.data(), t.tileCount = int32_t(tiles.size());
-    TempDir dir;
-    const std::string file = dir.file("job.rvl");
-    const uint32_t result = RvExRIFTileToRVL(file.c_str(), m_document, &param, &t, nullptr);
-    EXPECT_TRUE(code != nullptr || result == 0u) << std::hex << result;
-    if (code != nullptr) *code = result;
-    return ReadFile(file);
+    return WrittenJob([&](const char* file) { return RvExRIFTileToRVL(file, m_document, &param, &t, nullptr); }, code);
   }
   static RVTILE Tile(int32_t number, RVRECT frame = {}) {
     RVTILE t{};
@@ -103,6 +94,8 @@ class RouterTest : public ExportTest {
     t.rects[0] = frame;
     return t;
   }
+
+  std::vector<std::string> m_messages;  // what reached the host's message function
 };
 
 // An open line cut in three passes 3, 6 and 6 deep into 10: depths 7, 4, 4.
@@ -166,8 +159,6 @@ TEST_F(RouterTest, OffsetArtsOfAClosedArt) {
 
   // A failing callback ends the job with its own code, and the milling
   // message reaches the host; a success without an art gives 0x06001001.
-  Messages messages;
-  RvGiSetMessageFunction(OnMessage, &messages);
   log.code = 0x12345601u;
   uint32_t code = 0;
   EXPECT_EQ(Mill(Milling(0), &log, &code), "");
@@ -175,7 +166,7 @@ TEST_F(RouterTest, OffsetArtsOfAClosedArt) {
   TempDir dir;
   const RVPLOTPARAM p = Milling(0);
   EXPECT_EQ(RvExRIFMillingToRVL(dir.file("job.rvl").c_str(), m_document, &p, nullptr, nullptr, NoArt), 0x06001001u);
-  EXPECT_EQ(messages.texts, (std::vector<std::string>(2, "test: JudgeArtforMilling:Error")));
+  EXPECT_EQ(m_messages, (std::vector<std::string>(2, "test: JudgeArtforMilling:Error")));
 }
 
 // Over the joint from segment 1 to 2 the tool stays at the limit depth 2
@@ -188,9 +179,7 @@ TEST_F(RouterTest, JointsLiftedAtTheLimitDepthAndCutFreeAfterTheJob) {
   CLCondition passes[2] = {Pass(5), Pass(10)};
   ASSERT_EQ(RvCLSetCutCondition("M", passes, 2), 0u);
   void* line = AddMilled({{0, 0}, {10, 0}, {20, 0}, {30, 0}}, false);
-  void* first = nullptr;
-  ASSERT_EQ(RvGiGetArtFirstChild(line, &first), 0u);
-  ASSERT_EQ(RvGiSetArtTag(first, "RivlenKerflowMicroJointTag", "1,1,2"), 0u);
+  ASSERT_EQ(RvGiSetArtTag(Children(line).at(0), "RivlenKerflowMicroJointTag", "1,1,2"), 0u);
   int16_t layers = 0;
   ASSERT_EQ(RvGiGetLayerCount(&layers), 0u);
   RVPLOTPARAM p = Milling(0);
@@ -200,9 +189,7 @@ TEST_F(RouterTest, JointsLiftedAtTheLimitDepthAndCutFreeAfterTheJob) {
   EXPECT_EQ(Mill(p), "DF1;SP3;JW100;JZ50;" + start + "PD0.00,20.00;PD0.00,10.00;JZ50;" + end +
                          "DF1;SP3;JW100;PU;JZ0;" + start + "JZ20;PD0.00,20.00;PD0.00,10.00;JZ0;" + end + "PU;" +
                          "PU100.00,0.00;NR-1;" + "DF1;SP3;JW100;JZ0;PU0.00,20.00;PD0.00,20.00;PD0.00,10.00;PU;");
-  void* jointLayer = nullptr;
-  EXPECT_EQ(RvGiGetLayerFromName(&jointLayer, "MicroJointLayer"), 0u);
-  EXPECT_EQ(jointLayer, nullptr);
+  EXPECT_EQ(LayerNamed("MicroJointLayer"), nullptr);
   int16_t after = 0;
   ASSERT_EQ(RvGiGetLayerCount(&after), 0u);
   EXPECT_EQ(after, layers);
@@ -213,23 +200,17 @@ TEST_F(RouterTest, JointsLiftedAtTheLimitDepthAndCutFreeAfterTheJob) {
                          "DF1;JT3,2;JW100;PU;JZ0;" + start + "PD0.00,20.00;PD0.00,10.00;JZ0;" + end + "PU;");
   // Without outputMicroJoints the layer stays: one open stretch (10,0)
   // (20,0), tagged with its pass 2, keyed "M".
-  ASSERT_EQ(RvGiGetLayerFromName(&jointLayer, "MicroJointLayer"), 0u);
-  ASSERT_NE(jointLayer, nullptr);
-  void* joint = nullptr;
-  void* bezier = nullptr;
-  ASSERT_EQ(RvGiGetArtFirstChild(jointLayer, &joint), 0u);
-  ASSERT_EQ(RvGiGetArtFirstChild(joint, &bezier), 0u);
+  const LayerReading joints = ReadLayer(LayerNamed("MicroJointLayer"));
+  EXPECT_EQ(joints.Shapes(), "B(10,0 20,0)");
+  ASSERT_EQ(joints.paths.size(), 1u);
+  EXPECT_EQ(joints.paths[0].closed, 0);
+  void* joint = joints.paths[0].art;
   char text[64] = {};
-  int32_t value = 0, closed = 1;
-  EXPECT_EQ(RvGiGetArtTag(bezier, "RivlenKerflowRepeatTag", text), 0u);
+  int32_t value = 0;
+  EXPECT_EQ(RvGiGetArtTag(Children(joint).at(0), "RivlenKerflowRepeatTag", text), 0u);
   EXPECT_STREQ(text, "1,2");
   EXPECT_EQ(RvGiGetPathPlotInfo(joint, &value, text), 0u);
   EXPECT_TRUE(value == 1 && std::string(text) == "M");
-  EXPECT_EQ(RvGiGetPathClosed(joint, &closed), 0u);
-  EXPECT_EQ(closed, 0);
-  int32_t count = 0;
-  EXPECT_EQ(RvGiGetPathSegmentCount(bezier, &count), 0u);
-  EXPECT_EQ(count, 2);
 }
 
 // Which joints are built: none when the limit lies at or below every depth
@@ -245,47 +226,22 @@ TEST_F(RouterTest, JointStretchesAndTheLayerOnlyWhenJointsAreMade) {
   EXPECT_EQ(Mill(p), "DF1;SP3;JW100;JZ0;PU0.00,10.00;PD0.00,10.00;PD10.00,10.00;PD10.00,0.00;PD0.00,0.00;"
                      "PD0.00,10.00;PU;");
 
-  void* component = nullptr;
-  ASSERT_EQ(RvGiGetArtFirstChild(square, &component), 0u);
-  ASSERT_EQ(RvGiSetArtTag(component, "RivlenKerflowMicroJointTag", "2,3,1,0,2"), 0u);
+  ASSERT_EQ(RvGiSetArtTag(Children(square).at(0), "RivlenKerflowMicroJointTag", "2,3,1,0,2"), 0u);
   p.outputMicroJoints = 0;
   // Limit 0: nothing built, but the tool goes back to its depth after each
   // joint (segments 3 -> 1 over the end, 0 -> 2), and each curve writes its
   // first point again.
   EXPECT_EQ(Mill(p), "DF1;SP3;JW100;JZ0;PU0.00,10.00;PD0.00,10.00;PD10.00,10.00;JZ0;PD10.00,10.00;PD10.00,0.00;"
                      "JZ0;PD10.00,0.00;PD0.00,0.00;PD0.00,0.00;PD0.00,10.00;PU;");
-  void* layer = nullptr;
-  EXPECT_EQ(RvGiGetLayerFromName(&layer, "MicroJointLayer"), 0u);
-  EXPECT_EQ(layer, nullptr);
+  EXPECT_EQ(LayerNamed("MicroJointLayer"), nullptr);
 
+  // 3 -> 0 -> 1 over the end, open; 0 -> 2: a stretch from segment 0 is closed.
   p.jointDepthLimit = 0.5;
   Mill(p);
-  ASSERT_EQ(RvGiGetLayerFromName(&layer, "MicroJointLayer"), 0u);
-  ASSERT_NE(layer, nullptr);
-  struct Row { int32_t closed; std::vector<double> xs, ys; };
-  const Row rows[] = {
-      {0, {10, 0, 0}, {0, 0, 10}},   // 3 -> 0 -> 1, over the end
-      {1, {0, 0, 10}, {0, 10, 10}},  // 0 -> 2: a stretch from segment 0 is closed
-  };
-  void* joint = nullptr;
-  ASSERT_EQ(RvGiGetArtFirstChild(layer, &joint), 0u);
-  for (const Row& row : rows) {
-    ASSERT_NE(joint, nullptr);
-    int32_t closed = -1, count = 0;
-    void* bezier = nullptr;
-    EXPECT_EQ(RvGiGetPathClosed(joint, &closed), 0u);
-    EXPECT_EQ(closed, row.closed);
-    ASSERT_EQ(RvGiGetArtFirstChild(joint, &bezier), 0u);
-    ASSERT_EQ(RvGiGetPathSegmentCount(bezier, &count), 0u);
-    ASSERT_EQ(count, int32_t(row.xs.size()));
-    for (int32_t i = 0; i < count; ++i) {
-      RVBEZIERPOINT q{};
-      ASSERT_EQ(RvGiGetBezierPoint(bezier, i, &q), 0u);
-      EXPECT_TRUE(q.anchor.x == row.xs[i] && q.anchor.y == row.ys[i]) << i;
-    }
-    ASSERT_EQ(RvGiGetArtSibling(joint, &joint), 0u);
-  }
-  EXPECT_EQ(joint, nullptr);
+  const LayerReading joints = ReadLayer(LayerNamed("MicroJointLayer"));
+  EXPECT_EQ(joints.Shapes(), "B(10,0 0,0 0,10) | B(0,0 0,10 10,10) closed");
+  ASSERT_EQ(joints.paths.size(), 2u);
+  EXPECT_EQ(joints.paths[0].closed, 0);
 }
 
 // Two tiles of heights 5 and 20 from originY 10 with a gap of 3: the second
@@ -369,10 +325,8 @@ TEST_F(RouterTest, BothSidesMessageReachesTheHost) {
   ASSERT_EQ(RvGiSetArtTag(path, "RivlenKerflowBothSidesCutTag", ""), 0u);
   void* unlinked = path;
   ASSERT_EQ(RvGiDeleteArt(&unlinked), 0u);
-  Messages messages;
-  RvGiSetMessageFunction(OnMessage, &messages);
   Export(Param(6, 0));
-  EXPECT_EQ(messages.texts, (std::vector<std::string>{"test: EntryBothSidesCutInfo:Error"}));
+  EXPECT_EQ(m_messages, (std::vector<std::string>{"test: EntryBothSidesCutInfo:Error"}));
 }
 
 // A cancel while writing gives 0x06001F01: the file holds what was written,
@@ -391,8 +345,6 @@ TEST_F(RouterTest, CancelWhileWritingKeepsTheCallersState) {
   EXPECT_EQ(p.originY, 10.0);
 
   SetUp();
-  Messages messages;
-  RvGiSetMessageFunction(OnMessage, &messages);
   RvGiSetProgressFunction(CancellingStep, nullptr, nullptr, nullptr, nullptr);
   CLCondition passes[1] = {Pass(5)};
   ASSERT_EQ(RvCLSetCutCondition("M", passes, 1), 0u);
@@ -404,7 +356,7 @@ TEST_F(RouterTest, CancelWhileWritingKeepsTheCallersState) {
   gSteps = 0, gCancelAt = 0;
   Mill(Milling(0), &log, &code);
   EXPECT_EQ(code, 0x06001F01u);
-  EXPECT_EQ(messages.texts, (std::vector<std::string>{"test: JudgeArtforMilling:Error"}));
+  EXPECT_EQ(m_messages, (std::vector<std::string>{"test: JudgeArtforMilling:Error"}));
   int16_t after = 0;
   ASSERT_EQ(RvGiGetLayerCount(&after), 0u);
   EXPECT_EQ(after, layers);

@@ -131,14 +131,13 @@ TEST(ConditionBlock, VGroovesLaserAndCoating) {
 // rectangle (0,0)-(10,10); returns the bytes.
 template <class Body>
 std::string Written(const RVPLOTPARAM& param, Body&& body) {
-  rvtest::TempDir dir;
-  const std::string path = dir.file("out.rvl");
-  rv::CRvRVLFormat format(param);
-  EXPECT_EQ(format.Open(path, "wb"), 0u);
-  format.SetPlacement(rv::kIdentity, Rect(0, 0, 10, 10));
-  body(format);
-  EXPECT_EQ(format.Close(), 0u);
-  return rvtest::ReadFile(path);
+  return rvtest::WrittenJob([&](const char* file) {
+    rv::CRvRVLFormat format(param);
+    EXPECT_EQ(format.Open(file, "wb"), 0u);
+    format.SetPlacement(rv::kIdentity, Rect(0, 0, 10, 10));
+    body(format);
+    return format.Close();
+  });
 }
 
 // One path component through the path writer, placed by `placement` for the
