@@ -16,11 +16,23 @@ namespace {
 
 using rvtest::PointText;
 
+/// Layer `index` of the active document (null when there is none).
+void* LayerAt(int16_t index) {
+  void* layer = nullptr;
+  RvGiGetLayer(&layer, index);
+  return layer;
+}
+int16_t LayerCount() {
+  int16_t count = -1;
+  RvGiGetLayerCount(&count);
+  return count;
+}
+
 /// A layer as text: its name, then per path its components (type letter and
 /// point count: "B7", "A1") and " closed" for a closed path, " |" between paths.
 std::string LayerText(int16_t index) {
-  void* layer = nullptr;
-  if (RvGiGetLayer(&layer, index) != 0) return "no layer";
+  void* layer = LayerAt(index);
+  if (layer == nullptr) return "no layer";
   const rvtest::LayerReading reading = rvtest::ReadLayer(layer);
   std::string s = "[" + reading.name + "]";
   for (const rvtest::PathReading& path : reading.paths) {
@@ -39,9 +51,7 @@ std::string LayerText(int16_t index) {
 
 /// The anchors of the first Bezier of the first path of layer `index`.
 std::string Anchors(int16_t index) {
-  void* layer = nullptr;
-  RvGiGetLayer(&layer, index);
-  void* bezier = rvtest::Children(rvtest::Children(layer).at(0)).at(0);
+  void* bezier = rvtest::Children(rvtest::Children(LayerAt(index)).at(0)).at(0);
   int32_t count = 0;
   RvGiGetPathSegmentCount(bezier, &count);
   std::string s;
@@ -79,9 +89,7 @@ TEST(ClImport, ResultPathsHaveOneBezierWhileTheWorkingLayerKeepsItsArcs) {
   for (const auto& [commands, result, work] : rows) {
     SCOPED_TRACE(commands);
     ASSERT_EQ(im.Run(commands), 0u);
-    int16_t layers = 0;
-    RvGiGetLayerCount(&layers);
-    EXPECT_EQ(layers, 2);
+    EXPECT_EQ(LayerCount(), 2);
     EXPECT_EQ(LayerText(0), result);
     EXPECT_EQ(LayerText(1), work);
   }
@@ -101,10 +109,8 @@ TEST(ClImport, ModeZeroReplacesEveryDocumentAndTheLayerIsNamedAsAsked) {
   };
   for (const auto& [name, expected] : names) {
     ASSERT_EQ(im.Run("PD10,0;", name), 0u);
-    void* layer = nullptr;
     char text[64] = {'?', 0};
-    RvGiGetLayer(&layer, 0);
-    RvGiGetLayerName(layer, text);
+    RvGiGetLayerName(LayerAt(0), text);
     EXPECT_EQ(std::string(text), expected);
   }
   // Three documents, then a mode 0 import of a file that isn't there: only
@@ -118,9 +124,7 @@ TEST(ClImport, ModeZeroReplacesEveryDocumentAndTheLayerIsNamedAsAsked) {
   index = -1;
   ASSERT_EQ(im.Run("PD10,0;", "first", 0, &index), 0u);
   ASSERT_EQ(im.Run("CI5;", "second", 1, &index), 0u);
-  int16_t layers = 0;
-  RvGiGetLayerCount(&layers);
-  EXPECT_EQ(layers, 4);
+  EXPECT_EQ(LayerCount(), 4);
   EXPECT_EQ(LayerText(0), "[second] B7 closed");
   EXPECT_EQ(LayerText(2), "[first] B2");
   // A file that draws nothing: 1, and only the working layer.
@@ -135,9 +139,7 @@ TEST(ClImport, PathElementValuesComeFromPenUpMovesAndNeverReachTheResult) {
   // file.
   ASSERT_EQ(im.Run("JT17;VT0,1;PD10,0;PU20,0;PD30,0;"), 0u);
   auto values = [](int16_t layerIndex, std::size_t path) {
-    void* layer = nullptr;
-    RvGiGetLayer(&layer, layerIndex);
-    void* art = rvtest::Children(layer).at(path);
+    void* art = rvtest::Children(LayerAt(layerIndex)).at(path);
     int16_t element = 9, value = 9;
     const uint32_t code = RvGiGetPathElementAtVCut(art, &element, &value);
     return code != 0 ? "code " + std::to_string(code) : std::to_string(element) + "," + std::to_string(value);
@@ -147,9 +149,7 @@ TEST(ClImport, PathElementValuesComeFromPenUpMovesAndNeverReachTheResult) {
   EXPECT_EQ(values(0, 0), "code " + std::to_string(0x06001001u));
   EXPECT_EQ(values(0, 1), "code " + std::to_string(0x06001001u));
   // The attribute flags do travel.
-  void* result = nullptr;
-  RvGiGetLayer(&result, 0);
-  EXPECT_EQ(rvtest::ReadLayer(result).paths.at(0).flags, 7);
+  EXPECT_EQ(rvtest::ReadLayer(LayerAt(0)).paths.at(0).flags, 7);
 }
 
 }  // namespace

@@ -112,12 +112,8 @@ File Curves() {
   layer.Add(BeginLayer("curves"));
   layer.Add(PolyCurve({{100000, 100000, kClosedMove}, {300000, 100000, kLine}, {300000, 250000, kLine}},
                       Box(100000, 250000, 300000, 100000)));
-  layer.Add(PolyCurve({{400000, 400000, kMove},
-                       {500000, 400000, kLine},
-                       {600000, 600000, kMove},
-                       {650000, 700000, kControl},
-                       {800000, 720000, kControl},
-                       {900000, 600000, kCurve},
+  layer.Add(PolyCurve({{400000, 400000, kMove}, {500000, 400000, kLine}, {600000, 600000, kMove},
+                       {650000, 700000, kControl}, {800000, 720000, kControl}, {900000, 600000, kCurve},
                        {900000, 500000, kLine}},
                       Box(400000, 720000, 900000, 400000)));
   layer.Add(EndLayer());

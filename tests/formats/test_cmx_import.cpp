@@ -77,17 +77,14 @@ TEST(CmxContainer, HeaderChecksAndIndexFailures) {
   noMaster.pageIndexInMaster = false;
   File page2 = OneLayer(Rectangle(X(5), Y(5), 10, 10));
   page2.pages[0].number = 2;
-  const std::string version3 = [] {
-    File f = OneLayer(Rectangle(X(5), Y(5), 10, 10));
-    f.version = "3";  // no record sizes in the indexes
-    return f.Build();
-  }();
+  File version3 = OneLayer(Rectangle(X(5), Y(5), 10, 10));
+  version3.version = "3";  // no record sizes in the indexes
   const Case cases[] = {
       {"one byte short of the header", good.substr(0, 139), 0x01000301},
       {"not RIFF", Patched(good, 0, "RIFX"), 0x07001201},
       {"not CMX1", Patched(good, 8, "CMX2"), 0x07001201},
       {"version 1: 16-bit coordinates", Patched(good, 74, "1"), 0x07001201},
-      {"any other version passes", version3, 0},
+      {"any other version passes", version3.Build(), 0},
       {"master index offset at a wrong chunk", Patched(good, 104, std::string("\x8C\0\0\0", 4)), 0x07001401},
       {"master index offset beyond the file", Patched(good, 104, std::string("\0\0\0\x7F", 4)), 0x01000501},
       {"a layer index with a wrong identifier", Patched(good, ixlr, "ixlx"), 0x07001401},
@@ -151,12 +148,8 @@ TEST(CmxDrawing, PolyCurvesRectanglesAndTheirOrder) {
                  AnyBox()),
        "path B(1,1{1,1;2,3} 5,1{4,3;5,1})\n"},
       {"a curve between lines takes the anchor before it as its start",
-       PolyCurve({{X(0), Y(0), kMove},
-                  {X(1), Y(0), kLine},
-                  {X(1), Y(1), kControl},
-                  {X(2), Y(1), kControl},
-                  {X(2), Y(0), kCurve},
-                  {X(3), Y(0), kLine}},
+       PolyCurve({{X(0), Y(0), kMove}, {X(1), Y(0), kLine}, {X(1), Y(1), kControl}, {X(2), Y(1), kControl},
+                  {X(2), Y(0), kCurve}, {X(3), Y(0), kLine}},
                  AnyBox()),
        "path B(0,0 1,0{1,0;1,1} 2,0{2,1;2,0} 3,0)\n"},
       {"move, move, line: one path from the second move",
@@ -187,12 +180,9 @@ TEST(CmxDrawing, PolyCurvesRectanglesAndTheirOrder) {
 
 TEST(CmxDrawing, BoundingBoxesGoToTheArtAndItsChildren) {
   const std::string box = Box(X(1), Y(7), X(9), Y(2));
-  ASSERT_EQ(Import(OneLayer(PolyCurve({{X(1), Y(2), kMove}, {X(2), Y(2), kLine}, {X(5), Y(5), kMove},
-                                       {X(6), Y(5), kLine}},
-                                      box) +
-                            BeginGroup(box) + EndGroup())
-                       .Build()),
-            0u);
+  const std::string commands =
+      PolyCurve({{X(1), Y(2), kMove}, {X(2), Y(2), kLine}, {X(5), Y(5), kMove}, {X(6), Y(5), kLine}}, box);
+  ASSERT_EQ(Import(OneLayer(commands + BeginGroup(box) + EndGroup()).Build()), 0u);
   CRvDataAccess& store = CRvDataAccess::Instance();
   CRvArt* group = store.GetArtFirstChild(store.GetLayer(0));
   CRvArt* compound = store.GetArtSibling(group);

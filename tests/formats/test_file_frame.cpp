@@ -59,7 +59,6 @@ TEST(FileFrame, ReadsAreLittleEndianAndFailuresClose) {
   EXPECT_EQ(f.ReadU32(d, 1), 0u);
   EXPECT_EQ(std::vector<uint32_t>({b, w[0], w[1], d[0]}),
             std::vector<uint32_t>({0x01, 0x0302, 0x0504, 0x09080706}));
-  // Seeks from the start and from the current position.
   EXPECT_EQ(f.SeekFromStart(1), 0u);
   EXPECT_EQ(f.SeekFromCurrent(2), 0u);
   EXPECT_EQ(f.ReadBytes(&b, 1), 0u);

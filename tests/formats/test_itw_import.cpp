@@ -22,14 +22,14 @@
 namespace {
 
 using rv::CRvArt;
-using rv::CRvDataAccess;
 using rvtest::Bytes;
 using rvtest::Stroke;
 
+rv::CRvDataAccess& Store() { return rv::CRvDataAccess::Instance(); }
+
 std::vector<CRvArt*> Children(CRvArt* art) {
   std::vector<CRvArt*> out;
-  CRvDataAccess& store = CRvDataAccess::Instance();
-  for (CRvArt* c = store.GetArtFirstChild(art); c != nullptr; c = store.GetArtSibling(c)) out.push_back(c);
+  for (CRvArt* c = Store().GetArtFirstChild(art); c != nullptr; c = Store().GetArtSibling(c)) out.push_back(c);
   return out;
 }
 
@@ -43,25 +43,24 @@ std::string Pt(const RVPOINT& p) { return Num(p.x) + "," + Num(p.y); }
 /// A path as text: "B(x,y ...)", "A(from@centre/direction ...)", "S(x,y ...)"
 /// per component, then " closed" for a closed path.
 std::string Shape(CRvArt* path) {
-  CRvDataAccess& store = CRvDataAccess::Instance();
   std::string out;
   for (CRvArt* c : Children(path)) {
-    const int32_t n = store.GetPathSegmentCount(c);
-    const int16_t type = store.GetArtType(c);
+    const int32_t n = Store().GetPathSegmentCount(c);
+    const int16_t type = Store().GetArtType(c);
     if (!out.empty()) out += ' ';
     out += type == rv::kArtBezier ? "B(" : type == rv::kArtArc ? "A(" : "S(";
     for (int32_t i = 0; i < n; ++i) {
       if (i != 0) out += ' ';
-      if (type == rv::kArtBezier) out += Pt(store.GetBezierPoint(c, i).anchor);
-      if (type == rv::kArtSpline) out += Pt(store.GetSplinePoint(c, i));
+      if (type == rv::kArtBezier) out += Pt(Store().GetBezierPoint(c, i).anchor);
+      if (type == rv::kArtSpline) out += Pt(Store().GetSplinePoint(c, i));
       if (type == rv::kArtArc) {
-        const RVARCPOINT a = store.GetArcPoint(c, i);
+        const RVARCPOINT a = Store().GetArcPoint(c, i);
         out += Pt(a.from) + "@" + Pt(a.centre) + "/" + std::to_string(a.direction);
       }
     }
     out += ")";
   }
-  return out + (store.GetPathClosed(path) == 1 ? " closed" : "");
+  return out + (Store().GetPathClosed(path) == 1 ? " closed" : "");
 }
 
 std::string Rect(const RVRECT& r) { return Num(r.top) + " " + Num(r.left) + " " + Num(r.right) + " " + Num(r.bottom); }
@@ -87,7 +86,7 @@ struct Layout {
     const std::string path = dir.file("layout.itw");
     rvtest::WriteFile(path, file.b);
     code = RvImItwToRIF(path.c_str(), fonts.c_str(), fonts.c_str(), 0, &index, &fileByte);
-    layer = CRvDataAccess::Instance().GetLayer(0);
+    layer = Store().GetLayer(0);
   }
   std::vector<CRvArt*> Groups() const { return Children(layer); }
 };
@@ -126,7 +125,7 @@ TEST(ItwImport, FailuresGiveTheirCodesAndTheFileByteArrivesFirst) {
   }
   Layout empty;
   empty.Import(rvtest::ItwHead({}));
-  EXPECT_EQ(Rect(CRvDataAccess::Instance().GetArtBounds(empty.layer)), "1.00 -1.00 1.00 -1.00");
+  EXPECT_EQ(Rect(Store().GetArtBounds(empty.layer)), "1.00 -1.00 1.00 -1.00");
 }
 
 TEST(ItwImport, TextFramesDrawTheirOutlineAndBaselines) {
@@ -138,12 +137,11 @@ TEST(ItwImport, TextFramesDrawTheirOutlineAndBaselines) {
   Layout layout;
   layout.Import(file);
   ASSERT_EQ(layout.code, 0u);
-  CRvDataAccess& store = CRvDataAccess::Instance();
   const std::vector<CRvArt*> groups = layout.Groups();
   ASSERT_EQ(groups.size(), 4u);
   std::vector<std::string> shapes;
   for (CRvArt* group : groups) {
-    for (CRvArt* path : Children(group)) shapes.push_back(store.GetPathColorName(2, path) + " " + Shape(path));
+    for (CRvArt* path : Children(group)) shapes.push_back(Store().GetPathColorName(2, path) + " " + Shape(path));
   }
   ASSERT_EQ(shapes.size(), 7u);
   EXPECT_EQ(shapes[0], "Frame B(0.00,20.00 30.00,20.00 30.00,0.00 0.00,0.00) closed");
@@ -153,25 +151,25 @@ TEST(ItwImport, TextFramesDrawTheirOutlineAndBaselines) {
   // A quarter-turn bulge on the chord c4-c3 (30 long): radius 15 / sin 45.
   const std::vector<CRvArt*> bulged = Children(Children(groups[2])[0]);
   ASSERT_EQ(bulged.size(), 4u);
-  const RVARCPOINT top = store.GetArcPoint(bulged[0], 0);
+  const RVARCPOINT top = Store().GetArcPoint(bulged[0], 0);
   const double radius = 15.0 / std::sin(M_PI / 4);
   EXPECT_NEAR(std::hypot(top.centre.x - 0.0, top.centre.y - 0.0), radius, 1e-3);
   EXPECT_NEAR(std::hypot(top.centre.x - 30.0, top.centre.y - 0.0), radius, 1e-3);
   EXPECT_EQ(Shape(Children(groups[2])[0]).substr(0, 2), "A(");
   EXPECT_EQ(Shape(Children(groups[3])[0]).substr(0, 2), "B(");
   // The vertical baseline of a bulged frame runs through its bounds' middle.
-  const RVRECT frame = store.GetArtBounds(Children(groups[2])[0]);
+  const RVRECT frame = Store().GetArtBounds(Children(groups[2])[0]);
   EXPECT_EQ(Shape(Children(groups[2])[1]),
             "B(15.00," + Num(frame.top) + " 15.00," + Num(frame.bottom) + ")");
   EXPECT_GT(frame.top - frame.bottom, 20.0);  // the arc bulges beyond the corners
   // The layer's bounds are those of its groups, widened by 1.
-  RVRECT all = store.GetArtBounds(groups[0]);
+  RVRECT all = Store().GetArtBounds(groups[0]);
   for (CRvArt* group : groups) {
-    const RVRECT r = store.GetArtBounds(group);
+    const RVRECT r = Store().GetArtBounds(group);
     all = RVRECT{std::max(all.top, r.top), std::min(all.left, r.left), std::max(all.right, r.right),
                  std::min(all.bottom, r.bottom)};
   }
-  EXPECT_EQ(Rect(store.GetArtBounds(layout.layer)),
+  EXPECT_EQ(Rect(Store().GetArtBounds(layout.layer)),
             Rect(RVRECT{all.top + 1, all.left - 1, all.right + 1, all.bottom - 1}));
 }
 
@@ -187,13 +185,12 @@ TEST(ItwImport, GraphicRecordsFollowTheirVertexChain) {
   Layout layout;
   layout.Import(file);
   ASSERT_EQ(layout.code, 0u);
-  CRvDataAccess& store = CRvDataAccess::Instance();
   const std::vector<CRvArt*> paths = Children(layout.Groups()[0]);
   ASSERT_EQ(paths.size(), 2u);
   EXPECT_EQ(Shape(paths[0]), "B(0.00,10.00 30.00,10.00)");
   EXPECT_EQ(Shape(paths[1]), "B(0.00,0.00 10.00,0.00) A(10.00,10.00@5.00,10.00/1) S(0.00,15.00 0.00,5.00 0.00,0.00) closed");
-  EXPECT_EQ(store.GetPathColorName(2, paths[1]), "R=17,G=34,B=51");
-  EXPECT_EQ(Rect(store.GetArtBounds(layout.Groups()[0])), "20.00 0.00 30.00 0.00");
+  EXPECT_EQ(Store().GetPathColorName(2, paths[1]), "R=17,G=34,B=51");
+  EXPECT_EQ(Rect(Store().GetArtBounds(layout.Groups()[0])), "20.00 0.00 30.00 0.00");
 }
 
 rvtest::StrokeFontWriter TestStrokeFont() {
@@ -223,7 +220,6 @@ TEST(ItwImport, StrokeCharactersInTrueAndDistortedCells) {
   layout.Font("GYOUSYO", TestStrokeFont(), true);
   layout.Import(file);
   ASSERT_EQ(layout.code, 0u);
-  CRvDataAccess& store = CRvDataAccess::Instance();
   const std::vector<CRvArt*> items = Children(layout.Groups()[0]);
   ASSERT_EQ(items.size(), 1u + 5 + 2);  // the frame, 5 compounds, 2 for the last character
   // In a square cell the arc stays an arc, with its closing point.
@@ -231,20 +227,20 @@ TEST(ItwImport, StrokeCharactersInTrueAndDistortedCells) {
   ASSERT_EQ(square.size(), 2u);
   EXPECT_EQ(Shape(square[0]), "B(2.00,8.00 8.00,8.00 8.00,2.00 2.00,2.00 2.00,8.00) closed");
   EXPECT_EQ(Shape(square[1]), "A(5.00,6.00@5.00,5.00/1 5.00,6.00@5.00,6.00/0) closed");
-  EXPECT_EQ(store.GetPathColorName(1, square[0]), "R=10,G=20,B=30");
-  EXPECT_EQ(store.GetPathAttrFlag(items[1]), 1);
+  EXPECT_EQ(Store().GetPathColorName(1, square[0]), "R=10,G=20,B=30");
+  EXPECT_EQ(Store().GetPathAttrFlag(items[1]), 1);
   // In a distorted cell the circle is flattened: 1 + |r phi k| / 2 chords,
   // at most 100, then the contour's closing point.
-  const int32_t small = store.GetPathSegmentCount(Children(Children(items[2])[1])[0]);
-  const int32_t large = store.GetPathSegmentCount(Children(Children(items[3])[1])[0]);
+  const int32_t small = Store().GetPathSegmentCount(Children(Children(items[2])[1])[0]);
+  const int32_t large = Store().GetPathSegmentCount(Children(Children(items[3])[1])[0]);
   EXPECT_EQ(small, 1 + int(1 + 500 * 2 * M_PI * 10 / 5000 / 2) + 1);
   EXPECT_EQ(large, 100 + 1 + 1);
-  EXPECT_EQ(store.GetPathClosed(Children(items[4])[0]), 1);  // 50 units apart
-  EXPECT_EQ(store.GetPathClosed(Children(items[5])[0]), 0);  // 51
-  EXPECT_EQ(store.GetPathAttrFlag(items[6]), 255);
+  EXPECT_EQ(Store().GetPathClosed(Children(items[4])[0]), 1);  // 50 units apart
+  EXPECT_EQ(Store().GetPathClosed(Children(items[5])[0]), 0);  // 51
+  EXPECT_EQ(Store().GetPathAttrFlag(items[6]), 255);
   EXPECT_EQ(Children(items[6]).size(), 1u);
   // The frame's group holds the bounds of all characters.
-  EXPECT_EQ(Num(store.GetArtBounds(layout.Groups()[0]).right), "30.00");
+  EXPECT_EQ(Num(Store().GetArtBounds(layout.Groups()[0]).right), "30.00");
 }
 
 TEST(ItwImport, MissingCharactersAreCrossedOnlyWithASubNumber) {
@@ -261,11 +257,10 @@ TEST(ItwImport, MissingCharactersAreCrossedOnlyWithASubNumber) {
   layout.Font("USERSTK", plain, false);
   layout.Import(file);
   EXPECT_EQ(layout.code, 32u);
-  CRvDataAccess& store = CRvDataAccess::Instance();
   const std::vector<CRvArt*> items = Children(layout.Groups()[0]);
   ASSERT_EQ(items.size(), 1u + 2 + 1 + 1);
-  EXPECT_EQ(store.GetPathColorName(2, items[1]) + " " + Shape(items[1]), "Warning B(1.00,9.00 9.00,1.00)");
-  EXPECT_EQ(store.GetPathColorName(2, items[2]) + " " + Shape(items[2]), "Warning B(9.00,9.00 1.00,1.00)");
+  EXPECT_EQ(Store().GetPathColorName(2, items[1]) + " " + Shape(items[1]), "Warning B(1.00,9.00 9.00,1.00)");
+  EXPECT_EQ(Store().GetPathColorName(2, items[2]) + " " + Shape(items[2]), "Warning B(9.00,9.00 1.00,1.00)");
   EXPECT_EQ(Shape(Children(items[3])[0]), "B(0.00,10.00 10.00,0.00)");
   EXPECT_EQ(Shape(Children(items[4])[0]), "B(0.00,10.00 10.00,10.00)");
 }
@@ -338,23 +333,22 @@ TEST(ItwImport, OutlineRunsBecomeAnchorsTurnedForAVerticalFace) {
   rvtest::ItwCharacter(file, 1, kSquareCell, 0x2422, 0, 1000, 1000);
   rvtest::ItwCharacter(file, 2, kSquareCell, 0x2422, 0, 1000, 1000);
   TriangleOutline outline;
-  CRvDataAccess& store = CRvDataAccess::Instance();
-  store.CreateDocument(0);
+  Store().CreateDocument(0);
   rv::CRvItwFormat format("", "", nullptr, &outline);
   ASSERT_EQ(format.ImportBytes(reinterpret_cast<const uint8_t*>(file.b.data()), file.b.size()), 0u);
-  const std::vector<CRvArt*> items = Children(Children(store.GetLayer(0))[0]);
+  const std::vector<CRvArt*> items = Children(Children(Store().GetLayer(0))[0]);
   ASSERT_EQ(items.size(), 3u);
   // Start, line end, eight anchors of the curve ending on the start again
   // (the fraction dropped), and no extra closing anchor.
   const std::string horizontal = Shape(Children(items[1])[0]);
   EXPECT_EQ(horizontal.substr(0, 22), "B(2.00,1.39 6.00,1.39 ") << horizontal;
   // The fourth anchor of the curve is its middle: (P0 + 2 Q1 + Q2) / 4.
-  EXPECT_EQ(Pt(store.GetBezierPoint(Children(Children(items[1])[0])[0], 5).anchor), "5.00,3.39");
+  EXPECT_EQ(Pt(Store().GetBezierPoint(Children(Children(items[1])[0])[0], 5).anchor), "5.00,3.39");
   EXPECT_EQ(horizontal.substr(horizontal.size() - 17), "2.00,1.39) closed") << horizontal;
-  EXPECT_EQ(store.GetPathSegmentCount(Children(Children(items[1])[0])[0]), 10);
+  EXPECT_EQ(Store().GetPathSegmentCount(Children(Children(items[1])[0])[0]), 10);
   // The vertical face exchanges x and y: (y + 695, x).
   EXPECT_EQ(Shape(Children(items[2])[0]).substr(0, 22), "B(1.39,8.00 1.39,4.00 ");
-  EXPECT_EQ(store.GetPathAttrFlag(items[1]), 1);
+  EXPECT_EQ(Store().GetPathAttrFlag(items[1]), 1);
   RvGiDeleteAllDocuments();
 }
 
@@ -383,26 +377,25 @@ TEST(ItwImport, InstalledFontCharactersAreClosedContoursInTheirCell) {
   Layout layout;
   layout.Import(file);
   ASSERT_EQ(layout.code, 0u);
-  CRvDataAccess& store = CRvDataAccess::Instance();
   const std::vector<CRvArt*> items = Children(layout.Groups()[0]);
   ASSERT_EQ(items.size(), 4u);
   const std::vector<CRvArt*> contours = Children(items[1]);
   EXPECT_GE(contours.size(), 2u);  // HIRAGANA A is drawn in more than one stroke
   for (CRvArt* path : contours) {
     CRvArt* bezier = Children(path)[0];
-    const int32_t n = store.GetPathSegmentCount(bezier);
-    EXPECT_EQ(store.GetPathClosed(path), 1);
-    EXPECT_EQ(Pt(store.GetBezierPoint(bezier, 0).anchor), Pt(store.GetBezierPoint(bezier, n - 1).anchor));
-    const RVRECT b = store.GetArtBounds(path);
+    const int32_t n = Store().GetPathSegmentCount(bezier);
+    EXPECT_EQ(Store().GetPathClosed(path), 1);
+    EXPECT_EQ(Pt(Store().GetBezierPoint(bezier, 0).anchor), Pt(Store().GetBezierPoint(bezier, n - 1).anchor));
+    const RVRECT b = Store().GetArtBounds(path);
     EXPECT_TRUE(b.left >= -0.5 && b.right <= 10.5 && b.bottom >= -0.5 && b.top <= 10.5) << Rect(b);
   }
   // The cell height is 5000: the glyph fills most of the 10 mm cell.
-  const RVRECT all = store.GetArtBounds(layout.Groups()[0]);
+  const RVRECT all = Store().GetArtBounds(layout.Groups()[0]);
   EXPECT_GT(all.top - all.bottom, 7.0);
   // The vertical face stands upright in the same place.
   const std::vector<CRvArt*> upright = Children(items[2]);
   ASSERT_EQ(upright.size(), contours.size());
-  EXPECT_EQ(Rect(store.GetArtBounds(upright[0])), Rect(store.GetArtBounds(contours[0])));
+  EXPECT_EQ(Rect(Store().GetArtBounds(upright[0])), Rect(Store().GetArtBounds(contours[0])));
   EXPECT_GE(Children(items[3]).size(), 2u);
 }
 

@@ -80,6 +80,14 @@ class RefMap : public ::testing::Test {
     EXPECT_EQ(RvGiRefMapTableTrace(map, mask, &r, Record, drill), 0u);
     return r.arts;
   }
+  // Steps the stepwise walk once per row of (result, state after the step).
+  static void Steps(int16_t map, int16_t& state, Recorder& r,
+                    std::initializer_list<std::pair<uint32_t, int16_t>> rows) {
+    for (auto [code, after] : rows) {
+      EXPECT_EQ(RvGiRefMapTableOrderTrace(map, 2, &state, &r, Record, 1), code);
+      EXPECT_EQ(state, after);
+    }
+  }
   static Arts Collect(int16_t map, const char* key = nullptr) {
     std::vector<RVINSIDEPATH> list;
     key ? Store().CollectKeyArts(map, key, list) : Store().CollectArts(map, list);
@@ -152,11 +160,7 @@ TEST_F(RefMap, TracesFollowTheCutOrderMasksAndCollectsTheKeyOrder) {
   // The stepwise walk steps over a mismatch with an error and moves on.
   Recorder order;
   int16_t state = 0;
-  const std::pair<uint32_t, int16_t> steps[] = {{kOrderMismatch, 1}, {0, 1}, {0, 2}};
-  for (auto [code, after] : steps) {
-    EXPECT_EQ(RvGiRefMapTableOrderTrace(masked, 2, &state, &order, Record, 1), code);
-    EXPECT_EQ(state, after);
-  }
+  Steps(masked, state, order, {{kOrderMismatch, 1}, {0, 1}, {0, 2}});
   EXPECT_EQ(order.arts, (Arts{&b_, &c_}));
 }
 
@@ -204,11 +208,7 @@ TEST_F(RefMap, CallbackResultEndsTheTraceAndIsReturned) {
   // The stepwise walk stays on the entry whose callback failed.
   Recorder o{{}, {}, 2, 9};
   int16_t state = 0;
-  const std::pair<uint32_t, int16_t> steps[] = {{0, 1}, {9, 1}, {0, 1}, {0, 2}};
-  for (auto [code, after] : steps) {
-    EXPECT_EQ(RvGiRefMapTableOrderTrace(map, 2, &state, &o, Record, 1), code);
-    EXPECT_EQ(state, after);
-  }
+  Steps(map, state, o, {{0, 1}, {9, 1}, {0, 1}, {0, 2}});
   EXPECT_EQ(o.arts, (Arts{&a_, &b_, &b_, &c_}));
 
   // On an empty table, and after the end, the stepwise walk does nothing; a
@@ -217,12 +217,8 @@ TEST_F(RefMap, CallbackResultEndsTheTraceAndIsReturned) {
   const int16_t single = NewTable({{"A", 2, &a_}});
   Recorder s;
   state = 0;
-  EXPECT_EQ(RvGiRefMapTableOrderTrace(empty, 2, &state, &s, Record, 1), 0u);
-  EXPECT_EQ(state, 0);
-  for (int16_t after : {2, 2}) {
-    EXPECT_EQ(RvGiRefMapTableOrderTrace(single, 2, &state, &s, Record, 1), 0u);
-    EXPECT_EQ(state, after);
-  }
+  Steps(empty, state, s, {{0, 0}});
+  Steps(single, state, s, {{0, 2}, {0, 2}});
   EXPECT_EQ(s.arts, (Arts{&a_}));
   state = 0;
   EXPECT_EQ(RvGiRefMapTableOrderTrace(single, 2, &state, &s, Record, 1), 0u);

@@ -41,22 +41,18 @@ inline std::unique_ptr<KF> NewKF() { return std::make_unique<KF>(); }
 
 /// visit(group, key, field) for each key of the record, in file order.
 #define PREFTEST_VISIT(group, key, field) visit(group, key, r.field);
-template <class Visit>
-void ForEachField(RVPREFUSERSETUP& r, Visit&& visit) { RV_PREF_USERSETUP_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFPLOTPREVIEW& r, Visit&& visit) { RV_PREF_PLOTPREVIEW_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFPLOT& r, Visit&& visit) { RV_PREF_PLOT_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFTOMBOENV& r, Visit&& visit) { RV_PREF_TOMBOENV_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFFUNCTION& r, Visit&& visit) { RV_PREF_FUNCTION_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFCUTPREVIEW& r, Visit&& visit) { RV_PREF_CUTPREVIEW_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFDOTBRIDGE& r, Visit&& visit) { RV_PREF_DOTBRIDGE_KEYS(PREFTEST_VISIT) }
-template <class Visit>
-void ForEachField(RVPREFOUTLINETOOL& r, Visit&& visit) { RV_PREF_OUTLINETOOL_KEYS(PREFTEST_VISIT) }
+#define PREFTEST_FOR_EACH_FIELD(Record, KEYS) \
+  template <class Visit>                      \
+  void ForEachField(Record& r, Visit&& visit) { KEYS(PREFTEST_VISIT) }
+PREFTEST_FOR_EACH_FIELD(RVPREFUSERSETUP, RV_PREF_USERSETUP_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFPLOTPREVIEW, RV_PREF_PLOTPREVIEW_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFPLOT, RV_PREF_PLOT_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFTOMBOENV, RV_PREF_TOMBOENV_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFFUNCTION, RV_PREF_FUNCTION_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFCUTPREVIEW, RV_PREF_CUTPREVIEW_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFDOTBRIDGE, RV_PREF_DOTBRIDGE_KEYS)
+PREFTEST_FOR_EACH_FIELD(RVPREFOUTLINETOOL, RV_PREF_OUTLINETOOL_KEYS)
+#undef PREFTEST_FOR_EACH_FIELD
 #undef PREFTEST_VISIT
 
 /// Gives every field of the record a value of its own, from `first` on:

@@ -98,9 +98,8 @@ TEST(ToolCli, FailuresEndInOneClearLineWithTheirStatus) {
   rvtest::TempDir dir;
   const std::string square = Sample("square.plt"), conditions = Sample("sign-conditions.xml");
   const std::string missing = dir.file("none.plt"), job = dir.file("job.rvl"), up = dir.file("up.plt");
-  const std::string bad = dir.file("bad.xml"), deep = dir.file("no/such/folder/job.rvl");
+  const std::string bad = dir.file("bad.xml"), deep = dir.file("no/such/folder/job.rvl"), empty = dir.file("empty.plt");
   const std::string gone = "/no-such-folder/x";
-  const std::string empty = dir.file("empty.plt");
   ASSERT_TRUE(rvtest::WriteFile(up, "IN;PU100,100;PU0,0;"));
   ASSERT_TRUE(rvtest::WriteFile(empty, ""));
   ASSERT_TRUE(rvtest::WriteFile(bad, "<TQCutConditionList version=\"1.00\"><CutCondition>"));
