@@ -107,15 +107,35 @@ PlainBox StraightOutline::Reach() const {
   return m_box.Grown(2.0 * Tolerance() + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0));
 }
 
-void StraightOutline::MakeLookup() const {
-  m_lookup = std::make_unique<Lookup>();
-  m_lookup->bands.Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
-    for (std::size_t k = 0; k < m_count; ++k) f(k, Corner(k), Corner(k + 1));
-  });
+const EdgeBands& StraightOutline::Bands() const {
+  EdgeBands& bands = Kept().bands;
+  if (bands.Empty()) {
+    bands.Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
+      for (std::size_t k = 0; k < m_count; ++k) f(k, Corner(k), Corner(k + 1));
+    });
+  }
+  return bands;
+}
+
+template <class F>
+void StraightOutline::ForEdgesAt(double y, F&& f) const {
+  if (m_count <= kWalkedWhole) {
+    for (std::size_t k = 0; k < m_count; ++k) f(k);
+    return;
+  }
+  const EdgeBands& bands = Bands();
+  const std::size_t band = bands.BandOf(y);
+  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) f(std::size_t(*e));
 }
 
 template <class F>
 bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
+  if (m_count <= kWalkedWhole) {
+    for (std::size_t k = 0; k < m_count; ++k) {
+      if (f(k)) return true;
+    }
+    return false;
+  }
   const EdgeBands& bands = Bands();
   const std::size_t last = bands.BandOf(high);
   for (std::size_t band = bands.BandOf(low); band <= last; ++band) {
@@ -129,17 +149,22 @@ bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
 int StraightOutline::Winds(const RVPOINT& q, double near) const {
   if (!m_box.Grown(near).Holds(q.x, q.y)) return 0;
   // The edges near q and those that cross its horizontal: one walk when
-  // they all sit in q's band.
-  const EdgeBands& bands = Bands();
-  const std::size_t band = bands.BandOf(q.y);
+  // they all sit in q's band (or the outline is walked whole).
   auto nearQ = [&](std::size_t k) { return PointNear(q, Corner(k), Corner(k + 1), near); };
-  const bool oneBand = bands.BandOf(q.y - near) == band && bands.BandOf(q.y + near) == band;
-  if (!oneBand && AnyEdgeNear(q.y - near, q.y + near, nearQ)) return -1;
-  int winding = 0;
-  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
-    if (oneBand && nearQ(*e)) return -1;
-    winding += RayCrossing(Corner(*e), Corner(*e + 1), q);
+  bool oneBand = m_count <= kWalkedWhole;
+  if (!oneBand) {
+    const EdgeBands& bands = Bands();
+    const std::size_t band = bands.BandOf(q.y);
+    oneBand = bands.BandOf(q.y - near) == band && bands.BandOf(q.y + near) == band;
+    if (!oneBand && AnyEdgeNear(q.y - near, q.y + near, nearQ)) return -1;
   }
+  int winding = 0;
+  bool isNear = false;
+  ForEdgesAt(q.y, [&](std::size_t k) {
+    if (isNear || (oneBand && (isNear = nearQ(k)))) return;
+    winding += RayCrossing(Corner(k), Corner(k + 1), q);
+  });
+  if (isNear) return -1;
   // Far from every edge: the crossings of its ray count.
   return winding != 0 ? 1 : 0;
 }
@@ -185,8 +210,7 @@ void StraightOutline::SegmentPoints(std::size_t k, std::vector<RVPOINT>& out) co
 }
 
 const std::vector<RVPOINT>& StraightOutline::KeptSegmentPoints(std::size_t k) const {
-  Bands();
-  std::vector<RVPOINT>& points = m_lookup->segmentPoints[uint32_t(k)];
+  std::vector<RVPOINT>& points = Kept().segmentPoints[uint32_t(k)];
   if (points.empty()) SegmentPoints(k, points);
   return points;
 }
@@ -210,11 +234,9 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   });
   std::sort(nearEdges.begin(), nearEdges.end());
   nearEdges.erase(std::unique(nearEdges.begin(), nearEdges.end()), nearEdges.end());
-  const EdgeBands& bands = Bands();
-  const std::size_t band = bands.BandOf(q.y);
-  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) {
-    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), *e)) turn(Corner(*e), Corner(*e + 1));
-  }
+  ForEdgesAt(q.y, [&](std::size_t k) {
+    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), uint32_t(k))) turn(Corner(k), Corner(k + 1));
+  });
   double sum = 0.0;
   for (uint32_t k : nearEdges) {
     const std::vector<RVPOINT>& points = KeptSegmentPoints(k);

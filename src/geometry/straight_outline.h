@@ -77,23 +77,28 @@ class StraightOutline {
   double m_scale = 0;
   double m_chords = 0;  // more than the chords of the polyline
   // Made at the first point asked about: most outlines are never asked.
+  // Outlines of a few edges walk them all and make no bands.
+  static constexpr uint32_t kWalkedWhole = 4;
   struct Lookup {
     EdgeBands bands;
     std::unordered_map<uint32_t, std::vector<RVPOINT>> segmentPoints;  // of the segments asked near
   };
   mutable std::unique_ptr<Lookup> m_lookup;
 
-  const EdgeBands& Bands() const {
-    if (!m_lookup) MakeLookup();
-    return m_lookup->bands;
+  Lookup& Kept() const {
+    if (!m_lookup) m_lookup = std::make_unique<Lookup>();
+    return *m_lookup;
   }
-  void MakeLookup() const;
+  const EdgeBands& Bands() const;
   /// SegmentPoints kept for the next points asked about.
   const std::vector<RVPOINT>& KeptSegmentPoints(std::size_t k) const;
   /// f(k) for each edge k (Corner(k) to Corner(k + 1)) in the bands that
   /// [low, high] touches, until f returns true; whether one did.
   template <class F>
   bool AnyEdgeNear(double low, double high, F&& f) const;
+  /// f(k) for each edge k that may cross the height y (at least those).
+  template <class F>
+  void ForEdgesAt(double y, F&& f) const;
   /// f(c, d) for each edge c-d whose box meets `box`, until f returns true;
   /// whether one did.
   template <class F>
