@@ -34,6 +34,12 @@ BoundsIndex::BoundsIndex(std::vector<IntRect> boxes, std::vector<double> values)
     }
     m_x0 = x0, m_y0 = y0, m_width = x1 - x0 + 1, m_height = y1 - y0 + 1;
   }
+  m_cells.resize(n);
+  for (std::size_t k = 0; k < n; ++k) {
+    const IntRect& b = m_boxes[k];
+    m_cells[k] = CellsOf(std::min(b.left, b.right), std::max(b.left, b.right), std::min(b.top, b.bottom),
+                         std::max(b.top, b.bottom));
+  }
   while (m_buckets * kBucket < n) m_buckets *= 2;
   m_nodes.assign(2 * m_buckets, Empty());
   for (std::size_t b = 0; b * kBucket < n; ++b) m_nodes[m_buckets + b] = Bucket(b);
@@ -63,11 +69,8 @@ uint64_t BoundsIndex::CellsOf(int64_t x0, int64_t x1, int64_t y0, int64_t y1) co
 BoundsIndex::Node BoundsIndex::Leaf(std::size_t position) const {
   const IntRect& b = m_boxes[position];
   const double value = m_values[position];
-  Node n{b.left, b.left, b.right, b.right, b.top, b.top, b.bottom, b.bottom,
-         std::isnan(value) ? std::numeric_limits<double>::infinity() : value, 0};
-  n.cells = CellsOf(std::min(b.left, b.right), std::max(b.left, b.right), std::min(b.top, b.bottom),
-                    std::max(b.top, b.bottom));
-  return n;
+  return Node{b.left,   b.left,  b.right,  b.right, b.top, b.top, b.bottom, b.bottom,
+              std::isnan(value) ? std::numeric_limits<double>::infinity() : value, m_cells[position]};
 }
 
 void BoundsIndex::Join(Node& out, const Node& l, const Node& r) {
@@ -82,11 +85,17 @@ void BoundsIndex::Join(Node& out, const Node& l, const Node& r) {
 void BoundsIndex::Exchange(std::size_t i, std::size_t j) {
   std::swap(m_boxes[i], m_boxes[j]);
   std::swap(m_values[i], m_values[j]);
+  std::swap(m_cells[i], m_cells[j]);
   // Searches start after i only, and test the positions of their first
-  // bucket one by one: only j's bucket and its ancestors change.
+  // bucket one by one: only j's bucket and its ancestors change, up to the
+  // first node that stays as it was.
   std::size_t node = m_buckets + j / kBucket;
-  m_nodes[node] = Bucket(j / kBucket);
-  for (node /= 2; node >= 1; node /= 2) Join(m_nodes[node], m_nodes[2 * node], m_nodes[2 * node + 1]);
+  Node now = Bucket(j / kBucket);
+  while (node >= 1 && !(now == m_nodes[node])) {
+    m_nodes[node] = now;
+    node /= 2;
+    if (node >= 1) Join(now, m_nodes[2 * node], m_nodes[2 * node + 1]);
+  }
 }
 
 [[gnu::always_inline]] inline bool BoundsIndex::MayHold(const Node& n, const IntRect& a, double va,

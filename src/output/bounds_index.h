@@ -49,6 +49,7 @@ class BoundsIndex {
     int32_t minTop, maxTop, minBottom, maxBottom;
     double minValue;  // NaN never counts
     uint64_t cells;   // 8 x 8 cells over the drawing that the boxes touch
+    bool operator==(const Node&) const = default;
   };
   static Node Empty();
   Node Leaf(std::size_t position) const;
@@ -59,6 +60,7 @@ class BoundsIndex {
 
   std::vector<IntRect> m_boxes;
   std::vector<double> m_values;
+  std::vector<uint64_t> m_cells;  // of each position's box
   // The drawing's extent: the least corner and the sizes.
   int64_t m_x0 = 0, m_y0 = 0, m_width = 1, m_height = 1;
   // Positions in buckets of kBucket; m_buckets (a power of two) bucket
