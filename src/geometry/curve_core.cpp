@@ -45,8 +45,7 @@ bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, do
   const int32_t ax = GridCell(a.anchor.x), ay = GridCell(a.anchor.y);
   const int32_t bx = GridCell(b.anchor.x), by = GridCell(b.anchor.y);
   if (ax == bx && ay == by) return true;
-  // Every test below ends in maxLength > d: a chord as long as that, or
-  // longer (or NaN), is never flat.
+  // A chord as long as maxLength, or longer (or NaN), is never flat.
   const double d = Distance(a.anchor, b.anchor);
   if (!(maxLength > d)) return false;
 
@@ -55,24 +54,23 @@ bool IsFlat(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, do
   const double m = (sameX || sameY) ? 0.0 : (b.anchor.y - a.anchor.y) / (b.anchor.x - a.anchor.x);
   const double q = b.anchor.y - m * b.anchor.x;
 
-  // Handles on their anchors' cells, or on their anchors' grid lines, make a
-  // straight candidate, which must also leave its anchors along the chord.
+  // Mode 0 never takes a chord as flat here. Otherwise the piece is flat
+  // when both handles lie within `tolerance` of the chord's line, or when it
+  // is a straight candidate: handles on their anchors' cells, or on their
+  // anchors' grid lines, that also leave their anchors along the chord. The
+  // line test is the cheaper, so it goes first.
+  if (mode == 0) return false;
+  const double norm = std::sqrt(1.0 + m * m);
+  if (!(std::fabs(m * a.out.x - a.out.y + q) / norm > tolerance) &&
+      !(std::fabs(m * b.in.x - b.in.y + q) / norm > tolerance)) {
+    return true;
+  }
   const int32_t aox = GridCell(a.out.x), aoy = GridCell(a.out.y);
   const int32_t bix = GridCell(b.in.x), biy = GridCell(b.in.y);
-  bool straight = (aox == ax && aoy == ay && bix == bx && biy == by) ||
-                  (!sameY && aox == ax && bix == bx) || (!sameX && aoy == ay && biy == by);
-  if (straight) {
-    straight = std::fabs(AngleOfThreePoints(a.out, a.anchor, b.anchor)) <= tolerance &&
-               std::fabs(AngleOfThreePoints(b.in, b.anchor, a.anchor)) <= tolerance;
-  }
-
-  if (mode != 0 && straight) return true;
-
-  // Otherwise both handles must lie within `tolerance` of the chord's line.
-  const double norm = std::sqrt(1.0 + m * m);
-  if (std::fabs(m * a.out.x - a.out.y + q) / norm > tolerance) return false;
-  if (std::fabs(m * b.in.x - b.in.y + q) / norm > tolerance) return false;
-  return mode != 0;
+  const bool candidate = (aox == ax && aoy == ay && bix == bx && biy == by) ||
+                         (!sameY && aox == ax && bix == bx) || (!sameX && aoy == ay && biy == by);
+  return candidate && std::fabs(AngleOfThreePoints(a.out, a.anchor, b.anchor)) <= tolerance &&
+         std::fabs(AngleOfThreePoints(b.in, b.anchor, a.anchor)) <= tolerance;
 }
 
 namespace {

@@ -135,6 +135,13 @@ std::shared_ptr<RefMapTable> RefMapStore::Hold(int16_t map) {
   return m_tables[std::size_t(map)];
 }
 
+std::size_t RefMapStore::FiledArts(int16_t map) const {
+  if (map < 0 || std::size_t(map) >= m_tables.size()) return 0;
+  std::size_t count = 0;
+  for (const auto& [key, entry] : m_tables[std::size_t(map)]->entries) count += entry->arts.size();
+  return count;
+}
+
 void RefMapStore::InitializeCutOrder() {
   for (auto& table : m_tables) table->cutOrder = table->insertOrder;
 }

@@ -104,6 +104,9 @@ class RefMapStore {
   /// callback deletes tables.
   std::shared_ptr<RefMapTable> Hold(int16_t map);
   std::size_t TableCount() const { return m_tables.size(); }
+  /// The arts filed in table `map`, over all its keys (0 when there is no
+  /// such table): what a walk of it without drilling visits at most.
+  std::size_t FiledArts(int16_t map) const;
   /// Tables not yet destroyed: those of the list and those that a running
   /// walk still holds after their deletion. When the last one is destroyed,
   /// the store's forgotten documents are reclaimed.

@@ -167,6 +167,7 @@ uint32_t CRvArtSort::SortByOrder(void* context, int16_t& order, int32_t drill) {
 }
 
 uint32_t CRvArtSort::SortTable(void* context, int32_t drill) {
+  m_entries.reserve(RefMapStore::Instance().FiledArts(MainTable()));
   return Collect(context, m_ownStage, m_ownStage, [&](auto collect) {
     RefMapStore::Instance().Trace(MainTable(), kRefMapOutput, drill != 0, collect);
   });
