@@ -48,8 +48,15 @@ enum ColorUse : int16_t { kFillColor = 1, kStrokeColor = 2 };
 constexpr uint8_t kAttrCounted = 2;    // counts for bounds by flag
 constexpr uint8_t kAttrExcluded = 16;  // left out of every output and sort pass
 
+/// The records that an art makes as it goes, and its child lists, live in
+/// the drawing's storage as the art does.
+struct InDrawing {
+  static void* operator new(std::size_t size) { return AllocateDrawing(size); }
+  static void operator delete(void* p, std::size_t size) noexcept { FreeDrawing(p, size); }
+};
+
 /// Plot info of an art, made at first write.
-struct PlotInfo {
+struct PlotInfo : InDrawing {
   int32_t patternId = -1;
   int32_t plotValue = 0;
   std::string plotText;
@@ -59,13 +66,13 @@ struct PlotInfo {
 
 /// Attribute record of an art, made at first write. The low 16 bits of `word`
 /// are the attribute flags, the high 16 bits the start segment.
-struct PathAttr {
+struct PathAttr : InDrawing {
   uint32_t word = 0;
   std::unique_ptr<PlotInfo> plotInfo;
 };
 
 /// A colour held by an art: the public record with its name filled in.
-struct ColorRecord {
+struct ColorRecord : InDrawing {
   std::string name;
   uint16_t kind = 0;
   std::array<uint8_t, 4> c{};
@@ -73,7 +80,8 @@ struct ColorRecord {
 
 class CRvArt;
 class CRvContainerArt;
-using ChildPos = std::list<CRvArt*>::iterator;
+using ChildItems = std::list<CRvArt*, DrawingAllocator<CRvArt*>>;
+using ChildPos = ChildItems::iterator;
 
 /// Children of a container. Owns its arts and destroys them in list order
 /// (each art before its own children, without recursion, so that deep trees
@@ -86,14 +94,14 @@ class ChildList {
   ChildList& operator=(const ChildList&) = delete;
   ~ChildList();
 
-  std::list<CRvArt*>& items() { return m_items; }
-  const std::list<CRvArt*>& items() const { return m_items; }
+  ChildItems& items() { return m_items; }
+  const ChildItems& items() const { return m_items; }
   /// From now on the list only refers to its arts; someone else owns them.
   void ReleaseOwnership() { m_owning = false; }
   bool owning() const { return m_owning; }
 
  private:
-  std::list<CRvArt*> m_items;
+  ChildItems m_items;
   bool m_owning = true;
 };
 

@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <new>
 
+#include "frame/large_pages.h"
+
 namespace rv {
 
 namespace {
@@ -16,6 +18,10 @@ constexpr std::size_t kStep = 8;
 constexpr std::size_t kLargestPooled = 4096;  // with the head
 constexpr std::size_t kFirstChunkBytes = std::size_t(4) << 10;
 constexpr std::size_t kChunkBytes = std::size_t(64) << 10;
+// A pool whose chunks hold this much takes its next ones as large pages:
+// a large drawing then costs a fault per large page instead of per small
+// one, while a small drawing never maps more than it needs.
+constexpr std::size_t kLargeChunksAfter = std::size_t(1) << 20;
 
 std::size_t& Tally() {
   static std::size_t bytes = 0;
@@ -37,8 +43,32 @@ struct DrawingPool::Chunk {
   std::size_t live;   // blocks handed out and not freed
   std::size_t used;   // bytes cut from `data`
   std::size_t size;   // bytes of `data`
+  bool large;         // a large page of its own, not a heap block
   alignas(8) unsigned char data[1];
 };
+
+namespace {
+
+DrawingPool::Chunk* NewChunk(DrawingPool* pool, bool large, std::size_t size) {
+  void* raw = large ? AllocateLargePage() : std::malloc(offsetof(DrawingPool::Chunk, data) + size);
+  if (raw == nullptr) throw std::bad_alloc();
+  if (large) size = kLargePageBytes - offsetof(DrawingPool::Chunk, data);
+  StorageTally() += offsetof(DrawingPool::Chunk, data) + size;
+  auto* chunk = static_cast<DrawingPool::Chunk*>(raw);
+  chunk->pool = pool, chunk->live = 0, chunk->used = 0, chunk->size = size, chunk->large = large;
+  return chunk;
+}
+
+void ReleaseChunk(DrawingPool::Chunk* chunk) noexcept {
+  StorageTally() -= offsetof(DrawingPool::Chunk, data) + chunk->size;
+  if (chunk->large) {
+    FreeLargePage(chunk);
+  } else {
+    std::free(chunk);
+  }
+}
+
+}  // namespace
 
 DrawingPool*& CurrentDrawingPool() {
   static DrawingPool* pool = nullptr;
@@ -70,12 +100,11 @@ void* DrawingPool::Allocate(std::size_t bytes) {
         // Chunks grow with the document: a small one wastes little, also
         // when an art that outlives the document keeps its chunk.
         const std::size_t size = m_current == nullptr ? kFirstChunkBytes : std::min(2 * m_current->size, kChunkBytes);
-        void* raw = std::malloc(offsetof(Chunk, data) + size);
-        if (raw == nullptr) throw std::bad_alloc();
-        StorageTally() += offsetof(Chunk, data) + size;
+        m_chunks.reserve(m_chunks.size() + 1);
+        Chunk* next = NewChunk(this, m_chunkBytes >= kLargeChunksAfter, size);
+        m_chunkBytes += next->size;
         if (room(m_current) > room(m_side)) m_side = m_current;
-        m_current = static_cast<Chunk*>(raw);
-        m_current->pool = this, m_current->live = 0, m_current->used = 0, m_current->size = size;
+        m_current = next;
         m_chunks.push_back(m_current);
       }
       chunk = m_current;
@@ -98,8 +127,7 @@ DrawingPool::~DrawingPool() {
   if (CurrentDrawingPool() == this) CurrentDrawingPool() = nullptr;
   for (Chunk* chunk : m_chunks) {
     if (chunk->live == 0) {
-      StorageTally() -= offsetof(Chunk, data) + chunk->size;
-      std::free(chunk);
+      ReleaseChunk(chunk);
     } else {
       chunk->pool = nullptr;  // goes with its last block
     }
@@ -137,8 +165,7 @@ void FreeDrawing(void* p, std::size_t bytes) noexcept {
   if (chunk->pool != nullptr) {
     chunk->pool->Recycle(block, total);
   } else if (chunk->live == 0) {
-    StorageTally() -= offsetof(DrawingPool::Chunk, data) + chunk->size;
-    std::free(chunk);
+    ReleaseChunk(chunk);
   }
 }
 

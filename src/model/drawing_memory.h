@@ -10,8 +10,12 @@
 // blocks are all free. A chunk that still holds a live block (an art
 // unlinked from the document, which stays readable for the life of the
 // process, or an art made here and linked into another document) stays
-// until that block is freed, and then goes. Large blocks, and blocks made
-// while no document is active, come from the heap.
+// until that block is freed, and then goes. Chunks grow from 4 KiB to
+// 64 KiB; once a pool's chunks hold 1 MiB, each further chunk is one large
+// page of 2 MiB (frame/large_pages.h), so a large drawing costs a fault
+// per large page, and a block that outlives its document keeps at most
+// that much. Large blocks, and blocks made while no document is active,
+// come from the heap.
 //
 // Two tallies can be read at any time: the bytes asked for by arts and
 // point arrays (documents, forgotten documents and unlinked arts together),
@@ -57,6 +61,7 @@ class DrawingPool {
  private:
   static constexpr std::size_t kClasses = 4096 / 8 + 1;
   std::vector<Chunk*> m_chunks;
+  std::size_t m_chunkBytes = 0;  // of all chunks made
   Chunk* m_current = nullptr;  // blocks are cut from here
   Chunk* m_side = nullptr;     // the tail of an earlier chunk, for blocks that fit it
   std::array<void*, kClasses> m_free{};  // freed blocks by size / 8

@@ -42,8 +42,8 @@ uint32_t EnterAndWalk(CRvArt* art, bool drill, void* userInfo, const RefMapVisit
 
   // Depth first, first child first; paths are visited and not entered.
   struct Level {
-    std::list<CRvArt*>* items;
-    std::list<CRvArt*>::iterator at;
+    ChildItems* items;
+    ChildPos at;
   };
   std::vector<Level> stack{{&root->m_children.items(), root->m_children.items().begin()}};
   while (!stack.empty()) {

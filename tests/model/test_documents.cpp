@@ -208,6 +208,17 @@ TEST_F(DocumentStore, StorageGoesWithItsDocumentButNeverFromUnderAnArtStillHeld)
     ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
   }
   EXPECT_EQ(rv::DrawingStorageBytes(), before);
+  // So does a drawing large enough to take its storage in large pages.
+  void* big = TaggedPath();
+  for (int k = 0; k < 6000; ++k) {
+    void* art = nullptr;
+    ASSERT_EQ(RvGiCreateArt(4, 3, nullptr, &art), 0u);
+    BezierOf(art, 8);
+  }
+  EXPECT_EQ(Anchors(BezierOf(big, 8)).at(7), 7.0);
+  EXPECT_GT(rv::DrawingStorageBytes(), before + (std::size_t(4) << 20));
+  ASSERT_EQ(RvGiDeleteActiveDocument(), 0u);
+  EXPECT_EQ(rv::DrawingStorageBytes(), before);
 }
 
 TEST_F(DocumentStore, BoundBoxesBelongToTheirDocument) {
