@@ -161,7 +161,11 @@ int StraightOutline::Winds(const RVPOINT& q, double near) const {
   int winding = 0;
   bool isNear = false;
   ForEdgesAt(q.y, [&](std::size_t k) {
-    if (isNear || (oneBand && (isNear = nearQ(k)))) return;
+    if (isNear) return;
+    if (oneBand && nearQ(k)) {
+      isNear = true;
+      return;
+    }
     winding += RayCrossing(Corner(k), Corner(k + 1), q);
   });
   if (isNear) return -1;

@@ -48,8 +48,8 @@ enum ColorUse : int16_t { kFillColor = 1, kStrokeColor = 2 };
 constexpr uint8_t kAttrCounted = 2;    // counts for bounds by flag
 constexpr uint8_t kAttrExcluded = 16;  // left out of every output and sort pass
 
-/// The records that an art makes as it goes, and its child lists, live in
-/// the drawing's storage as the art does.
+/// Arts, the records that an art makes as it goes and its child lists live
+/// in the drawing's storage.
 struct InDrawing {
   static void* operator new(std::size_t size) { return AllocateDrawing(size); }
   static void operator delete(void* p, std::size_t size) noexcept { FreeDrawing(p, size); }
@@ -105,7 +105,8 @@ class ChildList {
   bool m_owning = true;
 };
 
-class CRvArt {
+/// Arts are allocated in the drawing's storage (drawing_memory.h).
+class CRvArt : public InDrawing {
  public:
   CRvArt();
   /// Copies parent, bounds, matrix and the owned flag; not the attribute
@@ -114,9 +115,6 @@ class CRvArt {
   CRvArt& operator=(const CRvArt&) = delete;
   virtual ~CRvArt();
 
-  /// Arts are allocated through the drawing's tally (drawing_memory.h).
-  static void* operator new(std::size_t size) { return AllocateDrawing(size); }
-  static void operator delete(void* p, std::size_t size) noexcept { FreeDrawing(p, size); }
 
   // ---- children (containers override these; leaves have none) ----
   /// Links `child` first (0) or last (1). Returns false when the container's
