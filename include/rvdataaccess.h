@@ -467,13 +467,14 @@ RV_API uint32_t RvGiSetDocBoundingBox(const RVRECT* rect);
  *
  * Ownership: arts belong to the library. Deleting an art (RvGiDeleteArt)
  * only unlinks it; unlinked arts stay readable until the process ends.
- * Storage (library's choice): each document owns the storage of the arts
- * and point arrays made while it is active, in chunks (4 KiB growing to
- * 64 KiB) that go with the document. A chunk that still holds an art that
- * outlives the document (an art unlinked before, or one linked into another
- * document) is kept until that art is destroyed, and only that chunk; point
- * arrays over 4 KiB, and arts made while no document is active, have
- * storage of their own.
+ * Storage (library's choice): each document owns the storage of the arts,
+ * their records, tags and child lists, and the point arrays made while it
+ * is active, in chunks (4 KiB growing to 64 KiB; once a document's chunks
+ * hold 1 MiB, each further chunk is one 2 MiB large page) that go with the
+ * document. A chunk that still holds an art that outlives the document (an
+ * art unlinked before, or one linked into another document) is kept until
+ * that art is destroyed, and only that chunk; point arrays over 4 KiB, and
+ * arts made while no document is active, have storage of their own.
  * Deleting a layer or a document destroys its arts: handles into it become
  * invalid. A null art handle gives 0x06001001 here (0x06000D01 for
  * RvGiGetSelect, RvGiSetSelect); a null record to read gives the same. */

@@ -6,23 +6,32 @@
 
 namespace rv {
 
-void* AllocateLargePage() noexcept {
-  // Twice the size, then the ends beyond the aligned block go back.
-  const std::size_t span = 2 * kLargePageBytes;
+namespace {
+
+std::size_t WholePages(std::size_t bytes) { return (bytes + kLargePageBytes - 1) / kLargePageBytes * kLargePageBytes; }
+
+}  // namespace
+
+void* AllocateLargePages(std::size_t bytes) noexcept {
+  if (bytes == 0 || bytes > (std::size_t(1) << 46)) return nullptr;
+  const std::size_t size = WholePages(bytes);
+  // A large page more than asked for, then the ends beyond the aligned
+  // block go back.
+  const std::size_t span = size + kLargePageBytes;
   void* raw = mmap(nullptr, span, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (raw == MAP_FAILED) return nullptr;
   const auto start = reinterpret_cast<std::uintptr_t>(raw);
   const std::uintptr_t aligned = (start + kLargePageBytes - 1) & ~std::uintptr_t(kLargePageBytes - 1);
   if (aligned > start) munmap(raw, aligned - start);
-  const std::uintptr_t end = aligned + kLargePageBytes;
+  const std::uintptr_t end = aligned + size;
   if (start + span > end) munmap(reinterpret_cast<void*>(end), start + span - end);
   void* block = reinterpret_cast<void*>(aligned);
-  (void)madvise(block, kLargePageBytes, MADV_HUGEPAGE);  // a hint: small pages work too
+  (void)madvise(block, size, MADV_HUGEPAGE);  // a hint: small pages work too
   return block;
 }
 
-void FreeLargePage(void* block) noexcept {
-  if (block != nullptr) munmap(block, kLargePageBytes);
+void FreeLargePages(void* block, std::size_t bytes) noexcept {
+  if (block != nullptr) munmap(block, WholePages(bytes));
 }
 
 }  // namespace rv

@@ -18,7 +18,7 @@ BoxGrid::Placed BoxGrid::Place(const PlainBox& b, uint32_t levels) const {
   return p;
 }
 
-BoxGrid::BoxGrid(std::vector<PlainBox> boxes) : m_boxes(std::move(boxes)) {
+BoxGrid::BoxGrid(LargeArray<PlainBox> boxes) : m_boxes(std::move(boxes)) {
   if (m_boxes.empty()) return;
   m_all = m_boxes[0];
   for (const PlainBox& b : m_boxes) {

@@ -14,6 +14,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/large_pages.h"
+
 namespace rv {
 
 /// A box of doubles with closed sides. Boxes given to the grid are finite
@@ -39,7 +41,7 @@ struct PlainBox {
 class BoxGrid {
  public:
   /// The grid of `boxes`; a box is named by its index in the vector.
-  explicit BoxGrid(std::vector<PlainBox> boxes);
+  explicit BoxGrid(LargeArray<PlainBox> boxes);
 
   const PlainBox& Box(std::size_t index) const { return m_boxes[index]; }
 
@@ -69,7 +71,7 @@ class BoxGrid {
     std::vector<uint32_t> ids;
   };
 
-  std::vector<PlainBox> m_boxes;
+  LargeArray<PlainBox> m_boxes;
   PlainBox m_all;
   uint32_t m_side = 1;  // level-0 cells per row and column, a power of two
   double m_scaleX = 0, m_scaleY = 0;

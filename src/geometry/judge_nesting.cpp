@@ -9,6 +9,7 @@
 
 #include "frame/error_codes.h"
 #include "frame/frame.h"
+#include "frame/large_pages.h"
 #include "geometry/affine.h"
 #include "geometry/judge.h"
 #include "geometry/judge_shape.h"
@@ -76,8 +77,8 @@ class NestingFlags {
   std::vector<int32_t> Run(const RVINSIDEPATH* paths);
 
  private:
-  std::vector<NestItem> m_items;
-  std::vector<StraightOutline> m_outlines;
+  LargeArray<NestItem> m_items;
+  LargeArray<StraightOutline> m_outlines;
   std::vector<std::unique_ptr<NestingShape>> m_shapes;
 
   const StraightOutline* Outline(std::size_t k) const {
@@ -155,11 +156,12 @@ bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
 
 std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
   const std::size_t count = m_items.size();
-  std::vector<PlainBox> reaches(count);
+  LargeArray<PlainBox> reaches(count);
   for (std::size_t k = 0; k < count; ++k) reaches[k] = Reach(k);
   const BoxGrid tree(std::move(reaches));
   // containers[first[j] .. first[j + 1]): the paths before j that hold j.
-  std::vector<uint32_t> first(count + 1, 0), containers, found;
+  std::vector<uint32_t> first(count + 1, 0), found;
+  LargeArray<uint32_t> containers;
   for (std::size_t j = 0; j < count; ++j) {
     first[j] = uint32_t(containers.size());
     if (!CanBeInside(j)) continue;
@@ -311,7 +313,7 @@ void FlipNestedByPairs(const std::vector<const NestingShape*>& shapes, RVINSIDEP
 void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEPATH* paths) {
   // The reaches of the boxed shapes go into the tree; the others are asked
   // by every later shape.
-  std::vector<PlainBox> reaches;
+  LargeArray<PlainBox> reaches;
   std::vector<uint32_t> boxedAt;  // position of each reach's shape
   std::vector<uint32_t> unboxed;  // positions, ascending
   for (std::size_t k = 0; k < shapes.size(); ++k) {
@@ -322,7 +324,7 @@ void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEP
       unboxed.push_back(uint32_t(k));
     }
   }
-  const BoxGrid tree(reaches);
+  const BoxGrid tree(std::move(reaches));
   std::vector<uint32_t> candidates;
   for (std::size_t j = 1; j < shapes.size(); ++j) {
     const NestingShape& inner = *shapes[j];
@@ -331,7 +333,7 @@ void FlipNestedByIndex(const std::vector<const NestingShape*>& shapes, RVINSIDEP
     if (inner.Boxed()) {
       const PlainBox probes = inner.Probes();
       tree.Stab(probes.left, probes.bottom, [&](std::size_t r) {
-        if (boxedAt[r] < j && reaches[r].Holds(probes.right, probes.top)) candidates.push_back(boxedAt[r]);
+        if (boxedAt[r] < j && tree.Box(r).Holds(probes.right, probes.top)) candidates.push_back(boxedAt[r]);
       });
       for (uint32_t i : unboxed) {
         if (i >= j) break;

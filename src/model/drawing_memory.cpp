@@ -50,7 +50,7 @@ struct DrawingPool::Chunk {
 namespace {
 
 DrawingPool::Chunk* NewChunk(DrawingPool* pool, bool large, std::size_t size) {
-  void* raw = large ? AllocateLargePage() : std::malloc(offsetof(DrawingPool::Chunk, data) + size);
+  void* raw = large ? AllocateLargePages(kLargePageBytes) : std::malloc(offsetof(DrawingPool::Chunk, data) + size);
   if (raw == nullptr) throw std::bad_alloc();
   if (large) size = kLargePageBytes - offsetof(DrawingPool::Chunk, data);
   StorageTally() += offsetof(DrawingPool::Chunk, data) + size;
@@ -62,7 +62,7 @@ DrawingPool::Chunk* NewChunk(DrawingPool* pool, bool large, std::size_t size) {
 void ReleaseChunk(DrawingPool::Chunk* chunk) noexcept {
   StorageTally() -= offsetof(DrawingPool::Chunk, data) + chunk->size;
   if (chunk->large) {
-    FreeLargePage(chunk);
+    FreeLargePages(chunk, kLargePageBytes);
   } else {
     std::free(chunk);
   }

@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "frame/large_pages.h"
 #include "output/int_rect.h"
 
 namespace rv {
@@ -67,7 +68,7 @@ class BoundsIndex {
   // nodes from m_buckets on, node k with children 2k and 2k + 1 above them.
   static constexpr std::size_t kBucket = 4;
   std::size_t m_buckets = 1;
-  std::vector<Node> m_nodes;
+  LargeArray<Node> m_nodes;
 
   /// The node of bucket b from its positions' boxes and values.
   Node Bucket(std::size_t b) const;

@@ -22,7 +22,7 @@ TEST(BoxGrid, StabFindsExactlyTheBoxesThatHoldThePoint) {
   // Rows: box count; grid boxes share sides and corners with the grid probes.
   for (std::size_t count : {0u, 1u, 15u, 16u, 17u, 300u, 5000u}) {
     SCOPED_TRACE(count);
-    std::vector<PlainBox> boxes;
+    LargeArray<PlainBox> boxes;
     for (std::size_t k = 0; k < count; ++k) {
       if (k % 3 == 0) {
         const double l = grid(rng) * 5.0, b = grid(rng) * 5.0;
