@@ -5,6 +5,7 @@
 #include <cmath>
 #include <memory>
 #include <numeric>
+#include <unordered_map>
 #include <utility>
 
 #include "frame/error_codes.h"
@@ -79,15 +80,18 @@ class NestingFlags {
  private:
   LargeArray<NestItem> m_items;
   LargeArray<StraightOutline> m_outlines;
-  std::vector<std::unique_ptr<NestingShape>> m_shapes;
+  // The polylines made so far, by item: few items need theirs.
+  std::unordered_map<uint32_t, std::unique_ptr<NestingShape>> m_shapes;
 
   const StraightOutline* Outline(std::size_t k) const {
     return m_items[k].outline == NestItem::kNoOutline ? nullptr : &m_outlines[m_items[k].outline];
   }
-  PlainBox Reach(std::size_t k) const { return Outline(k) ? Outline(k)->Reach() : m_shapes[k]->Reach(); }
+  /// The polyline of an item without an outline (made in Read).
+  const NestingShape& MadeShape(std::size_t k) const { return *m_shapes.at(uint32_t(k)); }
+  PlainBox Reach(std::size_t k) const { return Outline(k) ? Outline(k)->Reach() : MadeShape(k).Reach(); }
   /// The box of points that must lie inside a container (probes or corners).
-  PlainBox Probes(std::size_t k) const { return Outline(k) ? Outline(k)->Box() : m_shapes[k]->Probes(); }
-  bool CanBeInside(std::size_t k) const { return Outline(k) || m_shapes[k]->CanBeInside(); }
+  PlainBox Probes(std::size_t k) const { return Outline(k) ? Outline(k)->Box() : MadeShape(k).Probes(); }
+  bool CanBeInside(std::size_t k) const { return Outline(k) || MadeShape(k).CanBeInside(); }
   const NestingShape& Shape(std::size_t k);
   /// Whether x comes before y in the order of the judgment: larger area
   /// first, equal areas in the order given.
@@ -97,7 +101,6 @@ class NestingFlags {
 
 bool NestingFlags::Read(const RVINSIDEPATH* paths, std::size_t count) {
   m_items.assign(count, NestItem{});
-  m_shapes.resize(count);
   m_outlines.reserve(count);
   for (std::size_t k = 0; k < count; ++k) {
     NestItem& item = m_items[k];
@@ -124,7 +127,7 @@ bool NestingFlags::Read(const RVINSIDEPATH* paths, std::size_t count) {
 }
 
 const NestingShape& NestingFlags::Shape(std::size_t k) {
-  std::unique_ptr<NestingShape>& shape = m_shapes[k];
+  std::unique_ptr<NestingShape>& shape = m_shapes[uint32_t(k)];
   if (!shape) {
     // Straight outlines were checked to flatten within the point limit.
     CoarsePolyline line = PathPolyline(m_items[k].art);
