@@ -3,6 +3,17 @@
 #include <sys/mman.h>
 
 #include <cstdint>
+#include <new>
+
+// Under AddressSanitizer the blocks come from the heap, where the sanitizer
+// sees them.
+#if defined(__SANITIZE_ADDRESS__)
+#define RV_LARGE_PAGES_FROM_HEAP 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define RV_LARGE_PAGES_FROM_HEAP 1
+#endif
+#endif
 
 namespace rv {
 
@@ -15,6 +26,9 @@ std::size_t WholePages(std::size_t bytes) { return (bytes + kLargePageBytes - 1)
 void* AllocateLargePages(std::size_t bytes) noexcept {
   if (bytes == 0 || bytes > (std::size_t(1) << 46)) return nullptr;
   const std::size_t size = WholePages(bytes);
+#ifdef RV_LARGE_PAGES_FROM_HEAP
+  return ::operator new(size, std::align_val_t(kLargePageBytes), std::nothrow);
+#else
   // A large page more than asked for, then the ends beyond the aligned
   // block go back.
   const std::size_t span = size + kLargePageBytes;
@@ -28,10 +42,16 @@ void* AllocateLargePages(std::size_t bytes) noexcept {
   void* block = reinterpret_cast<void*>(aligned);
   (void)madvise(block, size, MADV_HUGEPAGE);  // a hint: small pages work too
   return block;
+#endif
 }
 
 void FreeLargePages(void* block, std::size_t bytes) noexcept {
-  if (block != nullptr) munmap(block, WholePages(bytes));
+  if (block == nullptr) return;
+#ifdef RV_LARGE_PAGES_FROM_HEAP
+  ::operator delete(block, WholePages(bytes), std::align_val_t(kLargePageBytes));
+#else
+  munmap(block, WholePages(bytes));
+#endif
 }
 
 }  // namespace rv

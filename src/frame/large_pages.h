@@ -6,7 +6,8 @@
 // where it doesn't. The drawing pools take their large chunks from here,
 // and the passes over a whole drawing their largest arrays
 // (LargeArrayAllocator). Linux only (mmap and madvise); nothing else in the
-// library maps memory.
+// library maps memory. Under AddressSanitizer the blocks come from the
+// heap instead, where the sanitizer watches them.
 #pragma once
 
 #include <cstddef>
