@@ -192,9 +192,9 @@ void CRvLayer::SetColorName(const std::string& name) {
   m_color->name = name;
 }
 
-const std::string& CRvLayer::GetColorName() const {
+std::string CRvLayer::GetColorName() const {
   if (!m_color) Raise(kErrLayerNoColor);
-  return m_color->name;
+  return std::string(m_color->name.View());
 }
 
 // ---------------------------------------------------------------- CRvPath
@@ -244,7 +244,7 @@ void CRvPath::SetColorName(int16_t use, const std::string& name) {
 std::string CRvPath::GetColorName(int16_t use) const {
   if (use != 1 && use != 2) Raise(kErrPathColorRead);
   const ColorRecord* record = use == 1 ? m_fill.get() : m_stroke.get();
-  return record ? record->name : std::string("None");
+  return record ? std::string(record->name.View()) : std::string("None");
 }
 
 int32_t CRvPath::GetPointTotal() const {
@@ -267,21 +267,28 @@ void CRvBezier::InsertPoint(int32_t i, const RVBEZIERPOINT& p) {
   }
 }
 
+CRvBezier::CRvBezier(const CRvBezier& source)
+    : CRvPathComponent(source),
+      m_points(source.m_points),
+      m_start(source.m_start ? std::make_unique<StartHandles>(*source.m_start) : nullptr) {}
+
 RVPOINT CRvBezier::StartIn() const {
-  if (m_startInSet != 0 || m_points.empty()) return m_startIn;
+  if (m_start && m_start->inSet) return m_start->in;
+  if (m_points.empty()) return m_start ? m_start->in : RVPOINT{};
   return m_points.back().in;
 }
 
 void CRvBezier::Reverse() {
   if (m_points.size() < 2) return;
-  if (m_startOutSet == 0) {
-    m_startOut = m_points.front().out;
-    m_startOutSet = 1;
-  }
   const RVPOINT startIn = StartIn();
-  m_startIn = m_startOut;
-  m_startOut = startIn;
-  m_startInSet = 1;
+  StartHandles& start = Start();
+  if (!start.outSet) {
+    start.out = m_points.front().out;
+    start.outSet = true;
+  }
+  start.in = start.out;
+  start.out = startIn;
+  start.inSet = true;
   std::reverse(m_points.begin(), m_points.end());
   for (RVBEZIERPOINT& p : m_points) std::swap(p.in, p.out);
 }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "model/drawing_memory.h"
+#include "model/pooled_text.h"
 #include "model/tag_list.h"
 #include "rvdataaccess.h"
 
@@ -59,7 +60,7 @@ struct InDrawing {
 struct PlotInfo : InDrawing {
   int32_t patternId = -1;
   int32_t plotValue = 0;
-  std::string plotText;
+  PooledText plotText;
   int16_t vcutElement = -1;
   int16_t vcutValue = 0;
 };
@@ -73,7 +74,7 @@ struct PathAttr : InDrawing {
 
 /// A colour held by an art: the public record with its name filled in.
 struct ColorRecord : InDrawing {
-  std::string name;
+  PooledText name;
   uint16_t kind = 0;
   std::array<uint8_t, 4> c{};
 };
@@ -217,7 +218,7 @@ class CRvLayer : public CRvContainerArt {
   void SetColor(const RVCOLOR& color, const std::string& name);
   void SetColorName(const std::string& name);
   /// Raises 0x03000901 when the layer has no colour.
-  const std::string& GetColorName() const;
+  std::string GetColorName() const;
   const std::string& GetName() const { return m_name; }
   void SetName(const std::string& name) { m_name = name; }
 
@@ -307,7 +308,7 @@ class CRvPathComponent : public CRvArt {
 class CRvBezier : public CRvPathComponent {
  public:
   CRvBezier() = default;
-  CRvBezier(const CRvBezier& source) = default;
+  CRvBezier(const CRvBezier& source);
   int16_t GetType() const override { return kArtBezier; }
   int32_t GetPointCount() const override { return int32_t(m_points.size()); }
 
@@ -335,7 +336,7 @@ class CRvBezier : public CRvPathComponent {
   /// Makes the point at `index` the first one. A closed curve (closed != 0)
   /// stores its start twice and keeps that shape: the first record has
   /// in = anchor, the last repeats the first anchor with out = anchor, and
-  /// the `in` handle of the start goes to m_startIn. 0 <= index < count.
+  /// the `in` handle of the start is stored (StartIn). 0 <= index < count.
   void MakeFirst(int32_t index, bool closed);
   uint8_t GetPointFlag(int32_t i) const { return m_points[std::size_t(i)].flags; }
   void SetPointFlag(int32_t i, uint8_t f) { m_points[std::size_t(i)].flags = f; }
@@ -345,16 +346,35 @@ class CRvBezier : public CRvPathComponent {
   /// moved by a sort or reversal) it is the `in` handle of the last record,
   /// which repeats the start.
   RVPOINT StartIn() const;
+  /// Whether the start's `in` handle, and the value that it takes on
+  /// reversal, are stored.
+  bool HasStartIn() const { return m_start && m_start->inSet; }
+  bool HasStartOut() const { return m_start && m_start->outSet; }
+  /// The stored value that the start's `in` handle takes on reversal.
+  RVPOINT StartOut() const { return m_start ? m_start->out : RVPOINT{}; }
   void SetStartIn(const RVPOINT& p) {
-    m_startIn = p;
-    m_startInSet = 1;
+    StartHandles& start = Start();
+    start.in = p;
+    start.inSet = true;
   }
 
   DrawingVector<RVBEZIERPOINT> m_points;
-  RVPOINT m_startIn{};   // `in` handle of the start of a closed curve, once set
-  RVPOINT m_startOut{};  // the value that m_startIn takes on reversal
-  int m_startOutSet = 0;
-  int m_startInSet = 0;
+
+ private:
+  // The stored handles of the start of a closed curve, made when the first
+  // is set: most curves never have them.
+  struct StartHandles : InDrawing {
+    RVPOINT in{};   // `in` handle of the start, once set
+    RVPOINT out{};  // the value that `in` takes on reversal
+    bool inSet = false;
+    bool outSet = false;
+  };
+  std::unique_ptr<StartHandles> m_start;
+
+  StartHandles& Start() {
+    if (!m_start) m_start = std::make_unique<StartHandles>();
+    return *m_start;
+  }
 };
 
 class CRvArc : public CRvPathComponent {

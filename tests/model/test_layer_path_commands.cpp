@@ -227,16 +227,16 @@ TEST_F(Drawing, ReversingExchangesHandlesAndTwiceGivesTheCurveBack) {
   ASSERT_EQ(RvGiReverseBezierPoint(bez), 0u);
   EXPECT_EQ(ComponentText(bez), "B(10,0{11,0;9,0} 5,5{6,5;4,5} 0,0{1,0;-1,0})");
   auto* curve = static_cast<rv::CRvBezier*>(bez);
-  EXPECT_EQ(curve->m_startIn.x, 1.0) << "the start-in handle becomes the old first out handle";
-  EXPECT_EQ(curve->m_startOut.x, -3.0);
+  EXPECT_EQ(curve->StartIn().x, 1.0) << "the start-in handle becomes the old first out handle";
+  EXPECT_EQ(curve->StartOut().x, -3.0);
   ASSERT_EQ(RvGiReverseBezierPoint(bez), 0u);
   EXPECT_EQ(ComponentText(bez), before);
-  EXPECT_EQ(curve->m_startIn.x, -3.0);
+  EXPECT_EQ(curve->StartIn().x, -3.0);
   // Fewer than two points: nothing happens, not even to the start handles.
   void* single = Art(2, 3, nullptr);
   ASSERT_EQ(RvGiSetBezierPoint(single, &a), 0u);
   ASSERT_EQ(RvGiReverseBezierPoint(single), 0u);
-  EXPECT_EQ(static_cast<rv::CRvBezier*>(single)->m_startOutSet, 0);
+  EXPECT_FALSE(static_cast<rv::CRvBezier*>(single)->HasStartOut());
   EXPECT_EQ(RvGiReverseBezierPoint(Art(1, 3, nullptr)), kWrongKind);
   EXPECT_EQ(RvGiReverseBezierPoint(nullptr), kNullPath);
 }
@@ -259,7 +259,7 @@ TEST_F(Drawing, SortingAClosedCurveKeepsTheClosedShape) {
   const std::string cabc = "B(5,8{5,8;4,7} 0,0{-1,-1;1,1} 10,0{9,-1;11,1} 5,8{6,9;5,8})";
   ASSERT_EQ(RvGiSortBezierPoint(bez, 2, 1), 0u);
   EXPECT_EQ(ComponentText(bez), cabc);
-  EXPECT_EQ(static_cast<rv::CRvBezier*>(bez)->m_startIn.x, 6.0);
+  EXPECT_EQ(static_cast<rv::CRvBezier*>(bez)->StartIn().x, 6.0);
 
   // Without a start-in point the start's in handle is the one of the last
   // record, which repeats the start: the outline survives the sort.
@@ -290,8 +290,8 @@ TEST_F(Drawing, CopyPathCopiesOneLevel) {
   ASSERT_EQ(RvGiCopyPath(bez, 5, copy, &bcopy), 0u);
   EXPECT_EQ(Children(copy), (Arts{bcopy}));
   EXPECT_EQ(Anchors(bcopy), (V{3}));
-  EXPECT_EQ(static_cast<rv::CRvBezier*>(bcopy)->m_startIn.y, 6.0);
-  EXPECT_EQ(static_cast<rv::CRvBezier*>(bcopy)->m_startInSet, 1);
+  EXPECT_EQ(static_cast<rv::CRvBezier*>(bcopy)->StartIn().y, 6.0);
+  EXPECT_TRUE(static_cast<rv::CRvBezier*>(bcopy)->HasStartIn());
   EXPECT_EQ(Children(layer), (Arts{path, copy}));
 
   void* out = reinterpret_cast<void*>(1);
