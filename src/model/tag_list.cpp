@@ -5,24 +5,11 @@
 #include <new>
 
 #include "model/drawing_memory.h"
+#include "model/packed_words.h"
 
 namespace rv {
 
 namespace {
-
-constexpr std::size_t kWord = sizeof(uint32_t);
-
-uint32_t ReadWord(const unsigned char* at) {
-  uint32_t v;
-  std::memcpy(&v, at, kWord);
-  return v;
-}
-
-unsigned char* WriteWord(unsigned char* at, std::size_t v) {
-  const uint32_t w = uint32_t(v);
-  std::memcpy(at, &w, kWord);
-  return at + kWord;
-}
 
 // One pair of a block: where it starts and ends, its key and value.
 struct Pair {
@@ -34,12 +21,12 @@ struct Pair {
 template <class F>
 void ForEachPair(const unsigned char* block, F&& f) {
   if (block == nullptr) return;
-  const unsigned char* at = block + kWord;
-  const unsigned char* const end = block + ReadWord(block);
+  const unsigned char* at = block + kPackedWord;
+  const unsigned char* const end = block + ReadPackedWord(block);
   while (at < end) {
-    const uint32_t keyLength = ReadWord(at), valueLength = ReadWord(at + kWord);
-    const char* text = reinterpret_cast<const char*>(at + 2 * kWord);
-    const Pair pair{at, at + 2 * kWord + keyLength + valueLength, {text, keyLength}, {text + keyLength, valueLength}};
+    const uint32_t keyLength = ReadPackedWord(at), valueLength = ReadPackedWord(at + kPackedWord);
+    const char* text = reinterpret_cast<const char*>(at + 2 * kPackedWord);
+    const Pair pair{at, at + 2 * kPackedWord + keyLength + valueLength, {text, keyLength}, {text + keyLength, valueLength}};
     if (!f(pair)) return;
     at = pair.end;
   }
@@ -59,8 +46,8 @@ std::optional<std::string_view> TagList::Find(std::string_view key) const {
 void TagList::Set(std::string_view key, std::string_view value) {
   // Where the pair goes: in front of the first key not below it, in place
   // of an equal key.
-  const unsigned char* before = m_block == nullptr ? nullptr : m_block + kWord;
-  const unsigned char* after = m_block == nullptr ? nullptr : m_block + ReadWord(m_block);
+  const unsigned char* before = m_block == nullptr ? nullptr : m_block + kPackedWord;
+  const unsigned char* after = m_block == nullptr ? nullptr : m_block + ReadPackedWord(m_block);
   const unsigned char* const end = after;
   ForEachPair(m_block, [&](const Pair& p) {
     if (p.key < key) {
@@ -70,19 +57,19 @@ void TagList::Set(std::string_view key, std::string_view value) {
     after = p.key == key ? p.end : p.begin;
     return false;
   });
-  const std::size_t head = m_block == nullptr ? 0 : std::size_t(before - (m_block + kWord));
+  const std::size_t head = m_block == nullptr ? 0 : std::size_t(before - (m_block + kPackedWord));
   const std::size_t tail = m_block == nullptr ? 0 : std::size_t(end - after);
-  const std::size_t pair = 2 * kWord + key.size() + value.size();
+  const std::size_t pair = 2 * kPackedWord + key.size() + value.size();
   if (key.size() > std::numeric_limits<uint32_t>::max() / 2 || value.size() > std::numeric_limits<uint32_t>::max() / 2 ||
-      head + tail + pair > std::numeric_limits<uint32_t>::max() - kWord) {
+      head + tail + pair > std::numeric_limits<uint32_t>::max() - kPackedWord) {
     throw std::bad_alloc();
   }
-  const std::size_t size = kWord + head + pair + tail;
+  const std::size_t size = kPackedWord + head + pair + tail;
   // The new block is written before the old one goes: the value may lie in it.
   auto* block = static_cast<unsigned char*>(AllocateDrawing(size));
-  unsigned char* at = WriteWord(block, size);
-  if (head != 0) std::memcpy(at, m_block + kWord, head);
-  at = WriteWord(WriteWord(at + head, key.size()), value.size());
+  unsigned char* at = WritePackedWord(block, size);
+  if (head != 0) std::memcpy(at, m_block + kPackedWord, head);
+  at = WritePackedWord(WritePackedWord(at + head, key.size()), value.size());
   if (!key.empty()) std::memcpy(at, key.data(), key.size());
   if (!value.empty()) std::memcpy(at + key.size(), value.data(), value.size());
   if (tail != 0) std::memcpy(at + key.size() + value.size(), after, tail);
@@ -91,7 +78,7 @@ void TagList::Set(std::string_view key, std::string_view value) {
 }
 
 void TagList::Release() noexcept {
-  if (m_block != nullptr) FreeDrawing(m_block, ReadWord(m_block));
+  if (m_block != nullptr) FreeDrawing(m_block, ReadPackedWord(m_block));
   m_block = nullptr;
 }
 
