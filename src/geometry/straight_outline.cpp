@@ -118,24 +118,7 @@ const EdgeBands& StraightOutline::Bands() const {
 }
 
 template <class F>
-void StraightOutline::ForEdgesAt(double y, F&& f) const {
-  if (m_count <= kWalkedWhole) {
-    for (std::size_t k = 0; k < m_count; ++k) f(k);
-    return;
-  }
-  const EdgeBands& bands = Bands();
-  const std::size_t band = bands.BandOf(y);
-  for (const uint32_t* e = bands.begin(band); e != bands.end(band); ++e) f(std::size_t(*e));
-}
-
-template <class F>
 bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
-  if (m_count <= kWalkedWhole) {
-    for (std::size_t k = 0; k < m_count; ++k) {
-      if (f(k)) return true;
-    }
-    return false;
-  }
   const EdgeBands& bands = Bands();
   const std::size_t last = bands.BandOf(high);
   for (std::size_t band = bands.BandOf(low); band <= last; ++band) {
@@ -149,26 +132,17 @@ bool StraightOutline::AnyEdgeNear(double low, double high, F&& f) const {
 int StraightOutline::Winds(const RVPOINT& q, double near) const {
   if (!m_box.Grown(near).Holds(q.x, q.y)) return 0;
   // The edges near q and those that cross its horizontal: one walk when
-  // they all sit in q's band (or the outline is walked whole).
+  // they all sit in q's band.
+  const EdgeBands& bands = Bands();
+  const std::size_t band = bands.BandOf(q.y);
   auto nearQ = [&](std::size_t k) { return PointNear(q, Corner(k), Corner(k + 1), near); };
-  bool oneBand = m_count <= kWalkedWhole;
-  if (!oneBand) {
-    const EdgeBands& bands = Bands();
-    const std::size_t band = bands.BandOf(q.y);
-    oneBand = bands.BandOf(q.y - near) == band && bands.BandOf(q.y + near) == band;
-    if (!oneBand && AnyEdgeNear(q.y - near, q.y + near, nearQ)) return -1;
-  }
+  const bool oneBand = bands.BandOf(q.y - near) == band && bands.BandOf(q.y + near) == band;
+  if (!oneBand && AnyEdgeNear(q.y - near, q.y + near, nearQ)) return -1;
   int winding = 0;
-  bool isNear = false;
-  ForEdgesAt(q.y, [&](std::size_t k) {
-    if (isNear) return;
-    if (oneBand && nearQ(k)) {
-      isNear = true;
-      return;
-    }
+  for (const uint32_t k : EdgesAt(q.y)) {
+    if (oneBand && nearQ(k)) return -1;
     winding += RayCrossing(Corner(k), Corner(k + 1), q);
-  });
-  if (isNear) return -1;
+  }
   // Far from every edge: the crossings of its ray count.
   return winding != 0 ? 1 : 0;
 }
@@ -238,9 +212,9 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   });
   std::sort(nearEdges.begin(), nearEdges.end());
   nearEdges.erase(std::unique(nearEdges.begin(), nearEdges.end()), nearEdges.end());
-  ForEdgesAt(q.y, [&](std::size_t k) {
-    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), uint32_t(k))) turn(Corner(k), Corner(k + 1));
-  });
+  for (const uint32_t k : EdgesAt(q.y)) {
+    if (!std::binary_search(nearEdges.begin(), nearEdges.end(), k)) turn(Corner(k), Corner(k + 1));
+  }
   double sum = 0.0;
   for (uint32_t k : nearEdges) {
     const std::vector<RVPOINT>& points = KeptSegmentPoints(k);

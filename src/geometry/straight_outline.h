@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
@@ -77,8 +78,6 @@ class StraightOutline {
   double m_scale = 0;
   double m_chords = 0;  // more than the chords of the polyline
   // Made at the first point asked about: most outlines are never asked.
-  // Outlines of a few edges walk them all and make no bands.
-  static constexpr uint32_t kWalkedWhole = 4;
   struct Lookup {
     EdgeBands bands;
     std::unordered_map<uint32_t, std::vector<RVPOINT>> segmentPoints;  // of the segments asked near
@@ -96,9 +95,12 @@ class StraightOutline {
   /// [low, high] touches, until f returns true; whether one did.
   template <class F>
   bool AnyEdgeNear(double low, double high, F&& f) const;
-  /// f(k) for each edge k that may cross the height y (at least those).
-  template <class F>
-  void ForEdgesAt(double y, F&& f) const;
+  /// The edges of the band of height y: at least those that cross it.
+  std::span<const uint32_t> EdgesAt(double y) const {
+    const EdgeBands& bands = Bands();
+    const std::size_t band = bands.BandOf(y);
+    return {bands.begin(band), bands.end(band)};
+  }
   /// f(c, d) for each edge c-d whose box meets `box`, until f returns true;
   /// whether one did.
   template <class F>

@@ -273,9 +273,8 @@ CRvBezier::CRvBezier(const CRvBezier& source)
       m_start(source.m_start ? std::make_unique<StartHandles>(*source.m_start) : nullptr) {}
 
 RVPOINT CRvBezier::StartIn() const {
-  if (m_start && m_start->inSet) return m_start->in;
-  if (m_points.empty()) return m_start ? m_start->in : RVPOINT{};
-  return m_points.back().in;
+  if (HasStartIn()) return m_start->in;
+  return m_points.empty() ? RVPOINT{} : m_points.back().in;
 }
 
 void CRvBezier::Reverse() {

@@ -116,7 +116,6 @@ class CRvArt : public InDrawing {
   CRvArt& operator=(const CRvArt&) = delete;
   virtual ~CRvArt();
 
-
   // ---- children (containers override these; leaves have none) ----
   /// Links `child` first (0) or last (1). Returns false when the container's
   /// type filter refuses it or `where` is another number; the caller then

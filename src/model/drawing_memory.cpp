@@ -49,10 +49,10 @@ struct DrawingPool::Chunk {
 
 namespace {
 
+// A chunk with `size` bytes of data; a large one fills its large page.
 DrawingPool::Chunk* NewChunk(DrawingPool* pool, bool large, std::size_t size) {
   void* raw = large ? AllocateLargePages(kLargePageBytes) : std::malloc(offsetof(DrawingPool::Chunk, data) + size);
   if (raw == nullptr) throw std::bad_alloc();
-  if (large) size = kLargePageBytes - offsetof(DrawingPool::Chunk, data);
   StorageTally() += offsetof(DrawingPool::Chunk, data) + size;
   auto* chunk = static_cast<DrawingPool::Chunk*>(raw);
   chunk->pool = pool, chunk->live = 0, chunk->used = 0, chunk->size = size, chunk->large = large;
@@ -99,9 +99,13 @@ void* DrawingPool::Allocate(std::size_t bytes) {
       if (room(m_current) < total) {
         // Chunks grow with the document: a small one wastes little, also
         // when an art that outlives the document keeps its chunk.
-        const std::size_t size = m_current == nullptr ? kFirstChunkBytes : std::min(2 * m_current->size, kChunkBytes);
-        m_chunks.reserve(m_chunks.size() + 1);
-        Chunk* next = NewChunk(this, m_chunkBytes >= kLargeChunksAfter, size);
+        const bool large = m_chunkBytes >= kLargeChunksAfter;
+        const std::size_t size = large                  ? kLargePageBytes - offsetof(Chunk, data)
+                                 : m_current == nullptr ? kFirstChunkBytes
+                                                        : std::min(2 * m_current->size, kChunkBytes);
+        // Room in the list first, so that a chunk once made is never lost.
+        if (m_chunks.size() == m_chunks.capacity()) m_chunks.reserve(2 * m_chunks.size() + 8);
+        Chunk* next = NewChunk(this, large, size);
         m_chunkBytes += next->size;
         if (room(m_current) > room(m_side)) m_side = m_current;
         m_current = next;

@@ -1,13 +1,13 @@
 // The storage of drawings.
 //
-// Every art object (CRvArt's own operator new), every point array of a
-// path component (DrawingVector) and every art's block of tags is allocated
-// through here. Each document owns a DrawingPool: what is made while the
-// document is active comes from the pool's chunks, small blocks cut one
-// after the other, and a freed block waits in a list of its size for the
-// next of that size. Destroying a
-// document destroys its arts; the pool then gives back every chunk whose
-// blocks are all free. A chunk that still holds a live block (an art
+// Every art object and the records it makes (InDrawing in art.h), every
+// point array of a path component and node of a child list
+// (DrawingAllocator), every art's block of tags and every pooled text is
+// allocated through here. Each document owns a DrawingPool: what is made
+// while the document is active comes from the pool's chunks, small blocks
+// cut one after the other, and a freed block waits in a list of its size
+// for the next of that size. Destroying a document destroys its arts; the
+// pool then gives back every chunk whose blocks are all free. A chunk that still holds a live block (an art
 // unlinked from the document, which stays readable for the life of the
 // process, or an art made here and linked into another document) stays
 // until that block is freed, and then goes. Chunks grow from 4 KiB to
@@ -17,8 +17,8 @@
 // that much. Large blocks, and blocks made while no document is active,
 // come from the heap.
 //
-// Two tallies can be read at any time: the bytes asked for by arts and
-// point arrays (documents, forgotten documents and unlinked arts together),
+// Two tallies can be read at any time: the bytes asked for by all of the
+// above (documents, forgotten documents and unlinked arts together),
 // and the bytes of storage that holds them (chunks and heap blocks). Tests
 // read them to show that memory comes back; benchmarks divide them by the
 // points of an import. The library runs one call at a time, so there are
@@ -31,7 +31,7 @@
 
 namespace rv {
 
-/// Bytes asked for by the arts and point arrays alive now.
+/// Bytes asked for by the drawings alive now.
 std::size_t DrawingBytes();
 /// Bytes of storage that holds them: chunks and heap blocks.
 std::size_t DrawingStorageBytes();
