@@ -48,6 +48,7 @@ void* AllocateLargePages(std::size_t bytes) noexcept {
 void FreeLargePages(void* block, std::size_t bytes) noexcept {
   if (block == nullptr) return;
 #ifdef RV_LARGE_PAGES_FROM_HEAP
+  (void)bytes;
   ::operator delete(block, std::align_val_t(kLargePageBytes));
 #else
   munmap(block, WholePages(bytes));
