@@ -44,7 +44,7 @@ struct LargeArrayAllocator {
   }
   void deallocate(T* p, std::size_t n) noexcept {
     if (n * sizeof(T) < kLargeFrom) {
-      ::operator delete(p, n * sizeof(T));
+      ::operator delete(p);  // unsized: not every compiler declares the sized form
     } else {
       FreeLargePages(p, n * sizeof(T));
     }
