@@ -2,9 +2,10 @@
 // point" without looking at every box.
 //
 // Level 0 is a grid of about as many cells as there are boxes over the box
-// of them all; each level above has cells twice as wide and high, up to one
-// cell. A box is filed at the lowest level where it spans at most two cells
-// each way, in those cells. A point is looked up in its cell at each level.
+// of them all, its cells about as wide as high however long and thin that
+// box is; each level above has cells twice as wide and high (one cell wide
+// or high at the least), up to one cell. A box is filed at the lowest level
+// where it spans at most two cells each way, in those cells. A point is looked up in its cell at each level.
 // Small boxes sit in small cells and large ones in large cells, so however
 // the boxes nest or crowd, a point meets few boxes that don't hold it. The
 // nesting judgment asks it for the outlines that may hold a path; it knows
@@ -50,9 +51,9 @@ class BoxGrid {
   template <class Visit>
   void Stab(double x, double y, Visit&& visit) const {
     if (m_boxes.empty() || !m_all.Holds(x, y)) return;
-    const uint32_t cx = Cell(x, m_all.left, m_scaleX), cy = Cell(y, m_all.bottom, m_scaleY);
+    const uint32_t cx = Cell(x, m_all.left, m_scaleX, m_sideX), cy = Cell(y, m_all.bottom, m_scaleY, m_sideY);
     for (const Level& level : m_levels) {
-      const std::size_t cell = std::size_t(cy >> level.shift) * level.side + (cx >> level.shift);
+      const std::size_t cell = std::size_t(cy >> level.shift) * level.sideX + (cx >> level.shift);
       for (uint32_t k = level.start[cell]; k < level.start[cell + 1]; ++k) {
         const uint32_t id = level.ids[k];
         if (m_boxes[id].Holds(x, y)) visit(std::size_t(id));
@@ -61,19 +62,19 @@ class BoxGrid {
   }
 
  private:
-  /// Cells of one level: cell c (row-major, `side` per row) holds
+  /// Cells of one level: cell c (row-major, `sideX` per row) holds
   /// ids[start[c] .. start[c + 1]); level-0 cell coordinates >> shift give
   /// this level's.
   struct Level {
     uint32_t shift = 0;
-    std::size_t side = 1;
+    std::size_t sideX = 1;
     std::vector<uint32_t> start;
     std::vector<uint32_t> ids;
   };
 
   LargeArray<PlainBox> m_boxes;
   PlainBox m_all;
-  uint32_t m_side = 1;  // level-0 cells per row and column, a power of two
+  uint32_t m_sideX = 1, m_sideY = 1;  // level-0 cells per row and per column, powers of two
   double m_scaleX = 0, m_scaleY = 0;
   std::vector<Level> m_levels;
 
@@ -83,9 +84,9 @@ class BoxGrid {
   };
   Placed Place(const PlainBox& b, uint32_t levels) const;
 
-  uint32_t Cell(double v, double origin, double scale) const {
+  static uint32_t Cell(double v, double origin, double scale, uint32_t side) {
     const double c = (v - origin) * scale;
-    return c >= double(m_side - 1) ? m_side - 1 : (c > 0 ? uint32_t(c) : 0);
+    return c >= double(side - 1) ? side - 1 : (c > 0 ? uint32_t(c) : 0);
   }
 };
 

@@ -34,6 +34,10 @@ BoundsIndex::BoundsIndex(std::vector<IntRect> boxes, std::vector<double> values)
     }
     m_x0 = x0, m_y0 = y0, m_width = x1 - x0 + 1, m_height = y1 - y0 + 1;
   }
+  // 64 cells, split between columns and rows so that a cell is about as
+  // wide as high: a long strip of a drawing gets more columns than rows.
+  const double columnBits = std::round((std::log2(double(m_width) / double(m_height)) + 6.0) / 2.0);
+  m_columnBits = uint32_t(std::clamp(columnBits, 0.0, 6.0));
   m_cells.resize(n);
   for (std::size_t k = 0; k < n; ++k) {
     const IntRect& b = m_boxes[k];
@@ -54,15 +58,18 @@ BoundsIndex::Node BoundsIndex::Bucket(std::size_t b) const {
 
 uint64_t BoundsIndex::CellsOf(int64_t x0, int64_t x1, int64_t y0, int64_t y1) const {
   // Monotone in x and y, so a point in two ranges has its cell in both maps.
-  auto cell = [](int64_t v, int64_t origin, int64_t extent) {
+  auto cell = [](int64_t v, int64_t origin, int64_t extent, int64_t count) {
     if (v <= origin) return int64_t{0};
-    const int64_t c = (v - origin) * 8 / extent;
-    return c > 7 ? int64_t{7} : c;
+    const int64_t c = (v - origin) * count / extent;
+    return c > count - 1 ? count - 1 : c;
   };
-  const int64_t c0 = cell(x0, m_x0, m_width), c1 = cell(x1, m_x0, m_width);
-  const uint64_t row = (uint64_t{0xFF} >> (7 - (c1 - c0))) << c0;
+  const int64_t cols = int64_t{1} << m_columnBits, rows = int64_t{64} >> m_columnBits;
+  const int64_t c0 = cell(x0, m_x0, m_width, cols), c1 = cell(x1, m_x0, m_width, cols);
+  const uint64_t row = (~uint64_t{0} >> (63 - (c1 - c0))) << c0;
   uint64_t cells = 0;
-  for (int64_t r = cell(y0, m_y0, m_height), r1 = cell(y1, m_y0, m_height); r <= r1; ++r) cells |= row << (8 * r);
+  for (int64_t r = cell(y0, m_y0, m_height, rows), r1 = cell(y1, m_y0, m_height, rows); r <= r1; ++r) {
+    cells |= row << (cols * r);
+  }
   return cells;
 }
 

@@ -6,14 +6,13 @@
 // walk costs every pair. BoundsIndex answers "the first such entry at or
 // after a position" from a tree over the positions whose nodes keep the
 // extremes of their boxes' sides, their least value and a coarse map of the
-// cells of the drawing that their boxes touch. The search walks from the
-// start rightward and passes over every node that can hold no such entry;
-// only the exact test at a leaf decides, so the answer is that of the plain
-// walk. The lowest nodes stand for buckets of a few positions, which the
-// search tests one by one. Entries in the order of the block keys lie near
-// their neighbours,
-// and the nodes prune well; entries all in one block, in no spatial order,
-// prune little.
+// cells of the drawing that their boxes touch (64 cells, about square). The
+// search walks from the start rightward and passes over every node that can
+// hold no such entry; only the exact test at a leaf decides, so the answer
+// is that of the plain walk. The lowest nodes stand for buckets of a few
+// positions, which the search tests one by one. Entries in the order of the
+// block keys lie near their neighbours, and the nodes prune well; entries
+// all in one block, in no spatial order, prune little.
 #pragma once
 
 #include <cstddef>
@@ -49,7 +48,7 @@ class BoundsIndex {
     int32_t minLeft, maxLeft, minRight, maxRight;
     int32_t minTop, maxTop, minBottom, maxBottom;
     double minValue;  // NaN never counts
-    uint64_t cells;   // 8 x 8 cells over the drawing that the boxes touch
+    uint64_t cells;   // the cells over the drawing that the boxes touch
     bool operator==(const Node&) const = default;
   };
   static Node Empty();
@@ -64,6 +63,7 @@ class BoundsIndex {
   std::vector<uint64_t> m_cells;  // of each position's box
   // The drawing's extent: the least corner and the sizes.
   int64_t m_x0 = 0, m_y0 = 0, m_width = 1, m_height = 1;
+  uint32_t m_columnBits = 3;  // 2^m_columnBits columns of cells, 64 cells in all
   // Positions in buckets of kBucket; m_buckets (a power of two) bucket
   // nodes from m_buckets on, node k with children 2k and 2k + 1 above them.
   static constexpr std::size_t kBucket = 4;
