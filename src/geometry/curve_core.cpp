@@ -78,8 +78,7 @@ namespace {
 // Halving always brings the anchors into one grid cell; the depth limit only
 // guards against arithmetic that never gets there (NaN or coordinates beyond
 // the grid, or a chain of halvings that keeps straddling a cell boundary).
-// Plain double arithmetic collapses such chains well before this depth.
-constexpr int kMaxDepth = 64;
+// Plain double arithmetic collapses such chains well before kMaxFlattenDepth.
 
 template <class Sink>
 class Flattener {
@@ -88,7 +87,7 @@ class Flattener {
       : m_maxLength(maxLength), m_tolerance(tolerance), m_mode(mode), m_sink(sink) {}
 
   void Run(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, int depth) {
-    if (depth >= kMaxDepth || IsFlat(a, b, m_maxLength, m_tolerance, m_mode)) {
+    if (depth >= kMaxFlattenDepth || IsFlat(a, b, m_maxLength, m_tolerance, m_mode)) {
       if (++m_count > kMaxFlattenPoints) Raise(kErrCurveTooLarge);
       m_sink(b.anchor);
       return;

@@ -84,6 +84,32 @@ inline void CurveToPoints(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double
   FlattenCurve(a, b, maxLength, tolerance, mode, out);
 }
 
+/// Depth of the halving past which a piece counts as flat.
+constexpr int kMaxFlattenDepth = 64;
+
+/// The chords of FlattenCurve(a, b, ...) in order, but a piece of the
+/// halving (the whole curve included) whose ends u, v give skip(u, v) goes
+/// whole to passed(u, v) without being halved further; every other chord
+/// goes to chord(u, v). Each piece is halved exactly as FlattenCurve halves
+/// it, so the chords made are the same points. No point limit: for curves
+/// whose flattening can't reach it.
+template <class Skip, class Passed, class Chord>
+void FlattenPruned(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance, int mode,
+                   Skip&& skip, Passed&& passed, Chord&& chord, int depth = 0) {
+  if (skip(a.anchor, b.anchor)) {
+    passed(a.anchor, b.anchor);
+    return;
+  }
+  if (depth >= kMaxFlattenDepth || IsFlat(a, b, maxLength, tolerance, mode)) {
+    chord(a.anchor, b.anchor);
+    return;
+  }
+  RVBEZIERPOINT left = a, right = b, middle{};
+  DivideBezier(left, right, 0.5, middle);
+  FlattenPruned(left, middle, maxLength, tolerance, mode, skip, passed, chord, depth + 1);
+  FlattenPruned(middle, right, maxLength, tolerance, mode, skip, passed, chord, depth + 1);
+}
+
 /// Widens `box` by the points that FlattenCurve appends for the curve a-b,
 /// without keeping them. Raises kErrCurveTooLarge as FlattenCurve does.
 void MergeFlattenedCurve(RVRECT& box, const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength,

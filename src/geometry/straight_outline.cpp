@@ -68,7 +68,7 @@ bool StraightOutline::Make(const RVBEZIERPOINT* records, int32_t count, int32_t 
   m_records = records;
   m_count = uint32_t(count);
   m_start = uint32_t(start % count + (start % count < 0 ? count : 0));
-  m_lookup.reset();
+  m_bands.reset();
   double length = 0, chords = 0, sum = 0;
   m_scale = 0;
   const RVPOINT& first = Corner(0);
@@ -108,13 +108,13 @@ PlainBox StraightOutline::Reach() const {
 }
 
 const EdgeBands& StraightOutline::Bands() const {
-  EdgeBands& bands = Kept().bands;
-  if (bands.Empty()) {
-    bands.Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
+  if (!m_bands) {
+    m_bands = std::make_unique<EdgeBands>();
+    m_bands->Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
       for (std::size_t k = 0; k < m_count; ++k) f(k, Corner(k), Corner(k + 1));
     });
   }
-  return bands;
+  return *m_bands;
 }
 
 template <class F>
@@ -187,12 +187,6 @@ void StraightOutline::SegmentPoints(std::size_t k, std::vector<RVPOINT>& out) co
   CurveToPoints(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, out);
 }
 
-const std::vector<RVPOINT>& StraightOutline::KeptSegmentPoints(std::size_t k) const {
-  std::vector<RVPOINT>& points = Kept().segmentPoints[uint32_t(k)];
-  if (points.empty()) SegmentPoints(k, points);
-  return points;
-}
-
 int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   // The winding angle is the sum of the angles that the chords span seen
   // from q. The angle of a chord u-v that passes q at a distance is
@@ -217,36 +211,30 @@ int StraightOutline::ChordsInside(const RVPOINT& q, double near) const {
   }
   double sum = 0.0;
   for (uint32_t k : nearEdges) {
-    const std::vector<RVPOINT>& points = KeptSegmentPoints(k);
     // The chords' ends run along the segment at least a unit apart, so their
     // positions along it rise. Only the chords whose span comes within twice
-    // `near` of q's position can be near q; a run of chords before or after
-    // them is far from q all along and crosses the ray as its first and last
-    // points joined straight do.
-    const RVPOINT& from = points.front();
-    const double dx = points.back().x - from.x, dy = points.back().y - from.y;
+    // `near` of q's position can be near q; a piece of the halving before or
+    // after them is far from q all along and crosses the ray as its ends
+    // joined straight do, so it isn't halved any further.
+    const RVPOINT& from = Corner(k);
+    const RVPOINT& to = Corner(k + 1);
+    const double dx = to.x - from.x, dy = to.y - from.y;
     auto along = [&](const RVPOINT& p) { return (p.x - from.x) * dx + (p.y - from.y) * dy; };
     const double reach = 2.0 * near * std::sqrt(dx * dx + dy * dy);
     const double low = along(q) - reach, high = along(q) + reach;
-    std::size_t first = std::size_t(std::upper_bound(points.begin(), points.end(), low,
-                                                     [&](double v, const RVPOINT& p) { return v < along(p); }) -
-                                    points.begin());
-    first = first == 0 ? 0 : first - 1;  // the last point at or before `low`
-    const std::size_t last = std::size_t(std::lower_bound(points.begin(), points.end(), high,
-                                                          [&](const RVPOINT& p, double v) { return along(p) < v; }) -
-                                         points.begin());
-    const std::size_t end = std::min(last, points.size() - 1);
-    if (first > 0) turn(points.front(), points[first]);
-    if (end + 1 < points.size()) turn(points[end], points.back());
-    for (std::size_t c = first; c < end; ++c) {
-      const RVPOINT& u = points[c];
-      const RVPOINT& v = points[c + 1];
-      if (PointNear(q, u, v, near)) {
-        sum += AngleOfThreePoints(u, q, v) - (phi(v) - phi(u));
-      } else {
-        turn(u, v);
-      }
-    }
+    // The handles of a straight segment sit on their anchors.
+    const RVBEZIERPOINT a{from, from, from, 0};
+    const RVBEZIERPOINT b{to, to, to, 0};
+    FlattenPruned(
+        a, b, kJudgeLength, kJudgeTolerance, kJudgeMode,
+        [&](const RVPOINT& u, const RVPOINT& v) { return along(v) <= low || along(u) >= high; }, turn,
+        [&](const RVPOINT& u, const RVPOINT& v) {
+          if (PointNear(q, u, v, near)) {
+            sum += AngleOfThreePoints(u, q, v) - (phi(v) - phi(u));
+          } else {
+            turn(u, v);
+          }
+        });
   }
   sum += 2.0 * std::numbers::pi * double(turns);
   // The polyline's own sum differs from this one by the rounding of its

@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <unordered_map>
 #include <vector>
 
 #include "geometry/box_grid.h"
@@ -78,19 +77,9 @@ class StraightOutline {
   double m_scale = 0;
   double m_chords = 0;  // more than the chords of the polyline
   // Made at the first point asked about: most outlines are never asked.
-  struct Lookup {
-    EdgeBands bands;
-    std::unordered_map<uint32_t, std::vector<RVPOINT>> segmentPoints;  // of the segments asked near
-  };
-  mutable std::unique_ptr<Lookup> m_lookup;
+  mutable std::unique_ptr<EdgeBands> m_bands;
 
-  Lookup& Kept() const {
-    if (!m_lookup) m_lookup = std::make_unique<Lookup>();
-    return *m_lookup;
-  }
   const EdgeBands& Bands() const;
-  /// SegmentPoints kept for the next points asked about.
-  const std::vector<RVPOINT>& KeptSegmentPoints(std::size_t k) const;
   /// f(k) for each edge k (Corner(k) to Corner(k + 1)) in the bands that
   /// [low, high] touches, until f returns true; whether one did.
   template <class F>

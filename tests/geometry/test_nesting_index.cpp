@@ -6,7 +6,10 @@
 #include <memory>
 #include <random>
 
+#include "geometry/affine.h"
 #include "geometry/box_grid.h"
+#include "geometry/curve_core.h"
+#include "geometry/judge_polyline.h"
 #include "geometry/judge_shape.h"
 #include "geometry_test.h"
 
@@ -122,6 +125,57 @@ TEST(NestingIndex, FlagsMatchThePairLoop) {
       EXPECT_GT(holes, 0);
     }
     if (HasFailure()) return;
+  }
+}
+
+TEST(FlattenPruned, MakesTheChordsOfTheFlatteningOutsideThePiecesItPasses) {
+  // A long straight segment and a curve; the pieces left of 30 or right of
+  // 60 (by their ends) are passed whole.
+  for (const auto& [a, b] : {std::pair{Corner(0, 0), Corner(100, 3)},
+                             std::pair{Smooth({0, 0}, {0, 0}, {20, 80}), Smooth({100, 0}, {80, -80}, {100, 0})}}) {
+    std::vector<RVPOINT> all{a.anchor};
+    FlattenCurve(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, all);
+    std::vector<std::pair<RVPOINT, RVPOINT>> every, chords;
+    std::vector<RVPOINT> walk{a.anchor};
+    auto take = [&](std::vector<std::pair<RVPOINT, RVPOINT>>& out) {
+      return [&](const RVPOINT& u, const RVPOINT& v) {
+        EXPECT_TRUE(SamePoint(u, walk.back()));  // the pieces follow each other
+        walk.push_back(v);
+        out.emplace_back(u, v);
+      };
+    };
+    FlattenPruned(a, b, kJudgeLength, kJudgeTolerance, kJudgeMode, [](const RVPOINT&, const RVPOINT&) { return false; },
+                  [](const RVPOINT&, const RVPOINT&) { ADD_FAILURE(); }, take(every));
+    ASSERT_EQ(every.size() + 1, all.size());
+    for (std::size_t k = 0; k < every.size(); ++k) {
+      EXPECT_TRUE(SamePoint(every[k].first, all[k]) && SamePoint(every[k].second, all[k + 1])) << k;
+    }
+    walk.assign(1, a.anchor);
+    std::size_t passed = 0;
+    FlattenPruned(
+        a, b, kJudgeLength, kJudgeTolerance, kJudgeMode,
+        [](const RVPOINT& u, const RVPOINT& v) { return v.x <= 30 || u.x >= 60; },
+        [&](const RVPOINT&, const RVPOINT& v) {
+          ++passed;
+          walk.push_back(v);
+        },
+        take(chords));
+    EXPECT_GT(passed, 1u);
+    EXPECT_TRUE(SamePoint(walk.back(), b.anchor));
+    // Every chord made is a chord of the flattening, and every chord of the
+    // flattening between 30 and 60 is made.
+    for (const auto& [u, v] : every) {
+      const bool made = std::any_of(chords.begin(), chords.end(),
+                                    [&](const auto& c) { return SamePoint(c.first, u) && SamePoint(c.second, v); });
+      if (v.x > 30 && u.x < 60) {
+        EXPECT_TRUE(made) << u.x;
+      }
+    }
+    for (const auto& c : chords) {
+      EXPECT_TRUE(std::any_of(every.begin(), every.end(), [&](const auto& e) {
+        return SamePoint(c.first, e.first) && SamePoint(c.second, e.second);
+      }));
+    }
   }
 }
 
