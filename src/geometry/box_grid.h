@@ -5,11 +5,11 @@
 // of them all, its cells about as wide as high however long and thin that
 // box is; each level above has cells twice as wide and high (one cell wide
 // or high at the least), up to one cell. A box is filed at the lowest level
-// where it spans at most two cells each way, in those cells. A point is looked up in its cell at each level.
-// Small boxes sit in small cells and large ones in large cells, so however
-// the boxes nest or crowd, a point meets few boxes that don't hold it. The
-// nesting judgment asks it for the outlines that may hold a path; it knows
-// nothing of arts.
+// where it spans at most two cells each way, in those cells. A point is
+// looked up in its cell at each level. Small boxes sit in small cells and
+// large ones in large cells, so however the boxes nest or crowd, a point
+// meets few boxes that don't hold it. The nesting judgment asks it for the
+// outlines that may hold a path; it knows nothing of arts.
 #pragma once
 
 #include <cstdint>
