@@ -48,15 +48,22 @@ int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
   const int first = outer.Winds(inner.Corner(0), near);
   if (first == 0) return 0;
   if (first == 1 && !outer.MeetsBox(inner.Box().Grown(2.0 * near))) return 1;
-  for (std::size_t k = 1; k < inner.CornerCount(); ++k) {
-    if (outer.Winds(inner.Corner(k), near) == 0) return 0;
-  }
+  // The corners first, each a point of the polyline; one near an edge is
+  // asked of the outer polyline at once, as a corner on its boundary mostly
+  // lies outside it and settles the pair.
   bool undecided = false;
+  for (std::size_t k = 0; k < inner.CornerCount(); ++k) {
+    int winds = k == 0 ? first : outer.Winds(inner.Corner(k), near);
+    if (winds < 0) winds = outer.ChordsInside(inner.Corner(k), near);
+    if (winds == 0) return 0;
+    if (winds < 0) undecided = true;
+  }
+  // Then the points between the corners, of the segments that come near.
   std::vector<RVPOINT> points;
   for (std::size_t k = 0; k < inner.CornerCount(); ++k) {
     if (!outer.Touches(inner.Corner(k), inner.Corner(k + 1), near)) continue;
     inner.SegmentPoints(k, points);
-    for (std::size_t m = 0; m + 1 < points.size(); ++m) {
+    for (std::size_t m = 1; m + 1 < points.size(); ++m) {
       int winds = outer.Winds(points[m], near);
       if (winds < 0) winds = outer.ChordsInside(points[m], near);
       if (winds == 0) return 0;
