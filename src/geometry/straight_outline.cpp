@@ -1,6 +1,7 @@
 #include "geometry/straight_outline.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
@@ -107,7 +108,29 @@ PlainBox StraightOutline::Reach() const {
   return m_box.Grown(2.0 * Tolerance() + 2e-9 * ((m_box.right - m_box.left) + (m_box.top - m_box.bottom) + 1.0));
 }
 
+namespace {
+
+// Outlines of up to this many edges share one band that lists them all: the
+// short lines and notches asked most need no lookup of their own.
+constexpr uint32_t kSharedBands = 4;
+
+const EdgeBands& WholeBands(uint32_t edges) {
+  static const auto kBands = [] {
+    std::array<EdgeBands, kSharedBands + 1> bands;
+    for (uint32_t n = 1; n <= kSharedBands; ++n) {
+      bands[n].Make(0.0, 0.0, 0.0, n, [&](auto&& f) {
+        for (std::size_t k = 0; k < n; ++k) f(k, RVPOINT{}, RVPOINT{});
+      });
+    }
+    return bands;
+  }();
+  return kBands[edges];
+}
+
+}  // namespace
+
 const EdgeBands& StraightOutline::Bands() const {
+  if (m_count <= kSharedBands) return WholeBands(m_count);
   if (!m_bands) {
     m_bands = std::make_unique<EdgeBands>();
     m_bands->Make(m_box.bottom, m_box.top, 0.0, m_count, [&](auto&& f) {
