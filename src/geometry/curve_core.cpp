@@ -79,37 +79,19 @@ namespace {
 // guards against arithmetic that never gets there (NaN or coordinates beyond
 // the grid, or a chain of halvings that keeps straddling a cell boundary).
 // Plain double arithmetic collapses such chains well before kMaxFlattenDepth.
-
-template <class Sink>
-class Flattener {
- public:
-  Flattener(double maxLength, double tolerance, int mode, Sink& sink)
-      : m_maxLength(maxLength), m_tolerance(tolerance), m_mode(mode), m_sink(sink) {}
-
-  void Run(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, int depth) {
-    if (depth >= kMaxFlattenDepth || IsFlat(a, b, m_maxLength, m_tolerance, m_mode)) {
-      if (++m_count > kMaxFlattenPoints) Raise(kErrCurveTooLarge);
-      m_sink(b.anchor);
-      return;
-    }
-    RVBEZIERPOINT left = a, right = b, middle{};
-    DivideBezier(left, right, 0.5, middle);
-    Run(left, middle, depth + 1);
-    Run(middle, right, depth + 1);
-  }
-
- private:
-  double m_maxLength;
-  double m_tolerance;
-  int m_mode;
-  Sink& m_sink;
-  std::size_t m_count = 0;
-};
-
+// The plain flattening is the pruned one that passes no piece, with the
+// point limit.
 template <class Sink>
 void Flatten(const RVBEZIERPOINT& a, const RVBEZIERPOINT& b, double maxLength, double tolerance, int mode,
              Sink& sink) {
-  Flattener<Sink>(maxLength, tolerance, mode, sink).Run(a, b, 0);
+  std::size_t count = 0;
+  FlattenPruned(
+      a, b, maxLength, tolerance, mode, [](const RVPOINT&, const RVPOINT&) { return false; },
+      [](const RVPOINT&, const RVPOINT&) {},
+      [&](const RVPOINT&, const RVPOINT& v) {
+        if (++count > kMaxFlattenPoints) Raise(kErrCurveTooLarge);
+        sink(v);
+      });
 }
 
 }  // namespace

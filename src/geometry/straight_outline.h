@@ -76,7 +76,8 @@ class StraightOutline {
   PlainBox m_box;
   double m_scale = 0;
   double m_chords = 0;  // more than the chords of the polyline
-  // Made at the first point asked about: most outlines are never asked.
+  // Made at the first point asked about, most outlines are never asked;
+  // short outlines share ready ones instead (Bands).
   mutable std::unique_ptr<EdgeBands> m_bands;
 
   const EdgeBands& Bands() const;
