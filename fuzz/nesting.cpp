@@ -64,7 +64,17 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const uint32_t fastCode = rv::Guard([&] { rv::JudgeNestingFlags(fast.data(), fast.size(), invert); });
     const uint32_t plainCode = rv::Guard([&] { rv::JudgeInsideOutsidePlain(plain.data(), plain.size(), invert); });
     if (fastCode != plainCode) std::abort();
+    // The same judgment on a thread, started in the reverse order and
+    // finished in this one, handed over ahead or not.
+    std::vector<RVINSIDEPATH> late = flags;
+    rv::NestingJob job({flags.rbegin(), flags.rend()}, 0);
+    if (job.Readable() && fastCode != 0) std::abort();  // read by the thread, the paths can be judged
+    if (size % 2 == 0) job.Order(flags, invert);
+    if (rv::Guard([&] { job.Finish(late.data(), late.size(), invert); }) != fastCode) std::abort();
     if (fastCode != 0) continue;
+    for (std::size_t k = 0; k < late.size(); ++k) {
+      if (late[k].art != fast[k].art || late[k].inside != fast[k].inside) std::abort();
+    }
     for (const RVINSIDEPATH& p : plain) {
       bool found = false;
       for (const RVINSIDEPATH& f : fast) {

@@ -16,6 +16,11 @@
  *  - An art handle (void*) is the address of an art of the drawing.
  *  - The library keeps process-wide state and has no lock: call it from one
  *    thread at a time. Callbacks run on the calling thread.
+ *  - One call uses a second thread of its own: a sorted plot of 2048 paths
+ *    or more (RvExRIFToRVL and the exports beside it) judges which paths
+ *    lie inside which on it while the calling thread orders and writes
+ *    them. That thread only reads the drawing, so a progress callback must
+ *    not change the drawing meanwhile; it has ended before the call returns.
  *  - Failures of the C++ runtime itself (out of memory, a table index out of
  *    range where documented) travel as C++ exceptions; the library stays
  *    usable after them.

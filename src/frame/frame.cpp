@@ -14,6 +14,8 @@ namespace rv {
 namespace {
 
 uint32_t gLastError = 0;
+// Set on a helper thread whose failures its caller redoes (QuietRaises).
+thread_local bool tQuietRaises = false;
 Frame* gInnermost = nullptr;  // innermost library frame, for IsLibraryHead
 
 RvTraceFunc gTraceSink = nullptr;
@@ -48,8 +50,12 @@ bool Frame::IsLibraryHead(const ExceptionInfo* info) noexcept {
   return gInnermost != nullptr && info == &gInnermost->m_info;
 }
 
+QuietRaises::QuietRaises() noexcept { tQuietRaises = true; }
+
+QuietRaises::~QuietRaises() { tQuietRaises = false; }
+
 void Raise(uint32_t code) {
-  gLastError = code;
+  if (!tQuietRaises) gLastError = code;
   throw RvError(code);
 }
 

@@ -39,6 +39,18 @@ constexpr uint32_t ErrCode(uint8_t module, uint16_t detail) {
 /// error and throws. Must only be called under a Frame (every export has one).
 [[noreturn]] void Raise(uint32_t code);
 
+/// While one lives, Raise on its thread throws without recording the last
+/// error: for a helper thread, whose failures the calling thread meets
+/// again, and records, when it redoes the work itself. A helper thread
+/// catches its RvError itself and enters no Frame.
+class QuietRaises {
+ public:
+  QuietRaises() noexcept;
+  ~QuietRaises();
+  QuietRaises(const QuietRaises&) = delete;
+  QuietRaises& operator=(const QuietRaises&) = delete;
+};
+
 /// The `Exception(f(...))` idiom of the library: raises a non-zero code.
 inline void Check(uint32_t code) {
   if (code != 0) Raise(code);

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "geometry/judge_polyline.h"
@@ -56,6 +57,42 @@ inline void JudgeInsideOutside(std::vector<RVINSIDEPATH>& paths, bool invert) {
 /// inside another of nearly its area. Falls back to JudgeInsideOutside
 /// (sorting the array) where a path can't be read, to fail as it fails.
 void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert);
+
+/// JudgeNestingFlags in two steps, the first on a second thread: which paths
+/// hold which doesn't depend on their order, only the ties of equal areas
+/// do. The job reads the paths and relates them while the caller goes on
+/// (ordering them, say); Finish gives the flags for the same paths in their
+/// final order. The paths must not change until Finish or the job's end;
+/// the destructor stops the thread and waits for it.
+class NestingJob {
+ public:
+  /// Sets to work on `paths` (their order and flags don't count) on a
+  /// thread of its own when there are `threadFrom` or more and the machine
+  /// has a second core; else Finish does all the work.
+  explicit NestingJob(std::vector<RVINSIDEPATH> paths, std::size_t threadFrom = kThreadFrom);
+  ~NestingJob();
+  NestingJob(const NestingJob&) = delete;
+  NestingJob& operator=(const NestingJob&) = delete;
+
+  /// Waits until the paths are read: true when the thread reads them all,
+  /// so that Finish won't fail; false without a thread.
+  bool Readable();
+  /// Hands over the paths in their final order, for the thread to settle
+  /// their flags (as Finish would) while the caller goes on.
+  void Order(std::vector<RVINSIDEPATH> paths, bool invert);
+  /// The flags of JudgeNestingFlags(paths, count, invert) for the paths
+  /// given at the start, now in this order: those settled for the order
+  /// handed over, when it is this one. Where the thread failed, or these
+  /// aren't the same arts, JudgeNestingFlags judges them here.
+  void Finish(RVINSIDEPATH* paths, std::size_t count, bool invert);
+
+  /// Fewer paths are judged at once: a thread doesn't pay for them.
+  static constexpr std::size_t kThreadFrom = 2048;
+
+ private:
+  struct Work;
+  std::unique_ptr<Work> m_work;
+};
 
 /// The plain algorithm: an exchange sort that computes both areas at every
 /// comparison, and the full inside test of every pair. Kept as the measure

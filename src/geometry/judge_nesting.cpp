@@ -1,10 +1,13 @@
 // Which of a set of closed paths are holes: the nesting judgment, plain and
 // fast.
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <cmath>
 #include <memory>
 #include <numeric>
+#include <system_error>
+#include <thread>
 #include <unordered_map>
 #include <utility>
 
@@ -75,20 +78,34 @@ int OutlineInside(const StraightOutline& inner, const StraightOutline& outer) {
 
 // The flags-only judgment. A path without an outline has its polyline as a
 // NestingShape from the start; a path with one gets it only where the
-// outline can't decide.
+// outline can't decide. Which paths hold which doesn't depend on their
+// order, only the ties of equal areas do: Relate finds the first, in any
+// order, and Order settles the ties and the flags for one order.
 class NestingFlags {
  public:
   /// Reads the paths; false where one can't be read or the boxes can't
   /// place it, for the full judgment to take over.
   bool Read(const RVINSIDEPATH* paths, std::size_t count);
-  /// The flags after the nesting pass, from the flags given.
-  std::vector<int32_t> Run(const RVINSIDEPATH* paths);
+  /// For each path, the others that hold it and are not smaller, those of
+  /// equal area marked. False when `stop` was set before the end.
+  bool Relate(const std::atomic<bool>* stop);
+  /// The flags after the nesting pass for the paths in the order where
+  /// position p holds item itemAt[p], from the flags given by position;
+  /// the flags come by position.
+  std::vector<int32_t> Order(const std::vector<uint32_t>& itemAt, const RVINSIDEPATH* given);
+  std::size_t size() const { return m_items.size(); }
+  CRvArt* Art(std::size_t k) const { return m_items[k].art; }
 
  private:
+  static constexpr uint32_t kTie = 0x80000000u;  // a container of equal area
   LargeArray<NestItem> m_items;
   LargeArray<StraightOutline> m_outlines;
   // The polylines made so far, by item: few items need theirs.
   std::unordered_map<uint32_t, std::unique_ptr<NestingShape>> m_shapes;
+  // containers[first[j] .. first[j + 1]): the paths that hold j and are
+  // not smaller.
+  std::vector<uint32_t> m_first;
+  LargeArray<uint32_t> m_containers;
 
   const StraightOutline* Outline(std::size_t k) const {
     return m_items[k].outline == NestItem::kNoOutline ? nullptr : &m_outlines[m_items[k].outline];
@@ -100,9 +117,8 @@ class NestingFlags {
   PlainBox Probes(std::size_t k) const { return Outline(k) ? Outline(k)->Box() : MadeShape(k).Probes(); }
   bool CanBeInside(std::size_t k) const { return Outline(k) || MadeShape(k).CanBeInside(); }
   const NestingShape& Shape(std::size_t k);
-  /// Whether x comes before y in the order of the judgment: larger area
-  /// first, equal areas in the order given.
-  bool Before(std::size_t x, std::size_t y);
+  /// 1 when x has the larger area, -1 the smaller, 0 an equal one.
+  int CompareAreas(std::size_t x, std::size_t y);
   bool Inside(std::size_t inner, std::size_t outer);
 };
 
@@ -144,13 +160,13 @@ const NestingShape& NestingFlags::Shape(std::size_t k) {
   return *shape;
 }
 
-bool NestingFlags::Before(std::size_t x, std::size_t y) {
-  if (m_items[x].low > m_items[y].high) return true;
-  if (m_items[x].high < m_items[y].low) return false;
+int NestingFlags::CompareAreas(std::size_t x, std::size_t y) {
+  if (m_items[x].low > m_items[y].high) return 1;
+  if (m_items[x].high < m_items[y].low) return -1;
   Shape(x);
   Shape(y);
-  if (m_items[x].low != m_items[y].low) return m_items[x].low > m_items[y].low;
-  return x < y;
+  if (m_items[x].low != m_items[y].low) return m_items[x].low > m_items[y].low ? 1 : -1;
+  return 0;
 }
 
 bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
@@ -164,16 +180,17 @@ bool NestingFlags::Inside(std::size_t inner, std::size_t outer) {
   return shapeIn.InsideOf(Shape(outer));
 }
 
-std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
+bool NestingFlags::Relate(const std::atomic<bool>* stop) {
   const std::size_t count = m_items.size();
   LargeArray<PlainBox> reaches(count);
   for (std::size_t k = 0; k < count; ++k) reaches[k] = Reach(k);
   const BoxGrid tree(std::move(reaches));
-  // containers[first[j] .. first[j + 1]): the paths before j that hold j.
-  std::vector<uint32_t> first(count + 1, 0), found;
-  LargeArray<uint32_t> containers;
+  m_first.assign(count + 1, 0);
+  m_containers.clear();
+  std::vector<uint32_t> found;
   for (std::size_t j = 0; j < count; ++j) {
-    first[j] = uint32_t(containers.size());
+    if (stop != nullptr && j % 256 == 0 && stop->load(std::memory_order_relaxed)) return false;
+    m_first[j] = uint32_t(m_containers.size());
     if (!CanBeInside(j)) continue;
     const PlainBox probes = Probes(j);
     found.clear();
@@ -183,11 +200,35 @@ std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
       }
     });
     for (uint32_t i : found) {
-      if (Inside(j, i) && Before(i, j)) containers.push_back(i);
+      if (!Inside(j, i)) continue;
+      const int larger = CompareAreas(i, j);
+      if (larger >= 0) m_containers.push_back(larger > 0 ? i : i | kTie);
     }
-    std::sort(containers.begin() + first[j], containers.end(), [&](uint32_t x, uint32_t y) { return Before(x, y); });
   }
-  first[count] = uint32_t(containers.size());
+  m_first[count] = uint32_t(m_containers.size());
+  return true;
+}
+
+std::vector<int32_t> NestingFlags::Order(const std::vector<uint32_t>& itemAt, const RVINSIDEPATH* given) {
+  const std::size_t count = m_items.size();
+  std::vector<uint32_t> position(count);
+  for (std::size_t p = 0; p < count; ++p) position[itemAt[p]] = uint32_t(p);
+  // The containers that come before each path, in the order of the
+  // judgment: larger area first, equal areas in the order given.
+  LargeArray<uint32_t> before(m_containers.size());
+  std::vector<uint32_t> last(count);
+  for (std::size_t j = 0; j < count; ++j) {
+    uint32_t end = m_first[j];
+    for (uint32_t c = m_first[j]; c < m_first[j + 1]; ++c) {
+      const uint32_t i = m_containers[c] & ~kTie;
+      if ((m_containers[c] & kTie) == 0 || position[i] < position[j]) before[end++] = i;
+    }
+    last[j] = end;
+    std::sort(before.begin() + m_first[j], before.begin() + end, [&](uint32_t x, uint32_t y) {
+      const int larger = CompareAreas(x, y);
+      return larger != 0 ? larger > 0 : position[x] < position[y];
+    });
+  }
   // A path's flag is final once the paths before it are done; each flips it
   // when its flag equals it. Containers come before their paths, so a walk
   // that settles the containers first never loops.
@@ -203,23 +244,45 @@ std::vector<int32_t> NestingFlags::Run(const RVINSIDEPATH* paths) {
         continue;
       }
       bool ready = true;
-      for (uint32_t c = first[j]; c < first[j + 1]; ++c) {
-        if (done[containers[c]] == 0) {
-          stack.push_back(containers[c]);
+      for (uint32_t c = m_first[j]; c < last[j]; ++c) {
+        if (done[before[c]] == 0) {
+          stack.push_back(before[c]);
           ready = false;
         }
       }
       if (!ready) continue;
-      int32_t flag = paths[j].inside;
-      for (uint32_t c = first[j]; c < first[j + 1]; ++c) {
-        if (flags[containers[c]] == flag) Flip(flag);
+      int32_t flag = given[position[j]].inside;
+      for (uint32_t c = m_first[j]; c < last[j]; ++c) {
+        if (flags[before[c]] == flag) Flip(flag);
       }
       flags[j] = flag;
       done[j] = 1;
       stack.pop_back();
     }
   }
-  return flags;
+  std::vector<int32_t> byPosition(count);
+  for (std::size_t p = 0; p < count; ++p) byPosition[p] = flags[itemAt[p]];
+  return byPosition;
+}
+
+// For each path of the order given, its item among those read: the same
+// arts in any order, each as often. False when they differ.
+bool MatchItems(const NestingFlags& read, const RVINSIDEPATH* paths, std::size_t count, std::vector<uint32_t>& itemAt) {
+  if (count != read.size()) return false;
+  std::vector<std::pair<const CRvArt*, uint32_t>> byArt(count);
+  for (std::size_t k = 0; k < count; ++k) byArt[k] = {read.Art(k), uint32_t(k)};
+  std::sort(byArt.begin(), byArt.end());
+  std::vector<uint8_t> taken(count, 0);
+  itemAt.resize(count);
+  for (std::size_t p = 0; p < count; ++p) {
+    const CRvArt* art = ArtOf(paths[p].art);
+    auto at = std::lower_bound(byArt.begin(), byArt.end(), std::make_pair(art, uint32_t(0)));
+    while (at != byArt.end() && at->first == art && taken[at - byArt.begin()] != 0) ++at;
+    if (at == byArt.end() || at->first != art) return false;
+    taken[at - byArt.begin()] = 1;
+    itemAt[p] = at->second;
+  }
+  return true;
 }
 
 }  // namespace
@@ -236,9 +299,120 @@ void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert) {
     JudgeInsideOutside(paths, count, invert);
     return;
   }
-  const std::vector<int32_t> flags = judgment.Run(paths);
+  judgment.Relate(nullptr);
+  std::vector<uint32_t> itemAt(count);
+  std::iota(itemAt.begin(), itemAt.end(), 0u);
+  const std::vector<int32_t> flags = judgment.Order(itemAt, paths);
   for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
   if (invert) InvertAll(paths, count);
+}
+
+// ------------------------------------------------------------- NestingJob
+
+struct NestingJob::Work {
+  enum : int { kReading, kRead, kUnreadable, kRelated, kSettled, kCutShort };
+  enum : int { kWaiting, kHanded, kWithdrawn };
+
+  std::vector<RVINSIDEPATH> paths;  // as given at the start
+  NestingFlags judgment;
+  std::thread thread;
+  std::atomic<int> state{kReading};
+  std::atomic<bool> stop{false};
+  // The final order, handed over once (Order) or withdrawn (Finish, the
+  // destructor); written before `handed` is set.
+  std::atomic<int> handed{kWaiting};
+  std::vector<RVINSIDEPATH> ordered;
+  bool invert = false;
+  std::vector<int32_t> flags;  // by position in `ordered`, once settled
+
+  void Run() {
+    const QuietRaises quiet;  // the calling thread redoes what fails here
+    int end = kCutShort;
+    try {
+      const bool read = judgment.Read(paths.data(), paths.size());
+      Announce(read ? kRead : kUnreadable);
+      if (!read) return;
+      if (!judgment.Relate(&stop)) return Announce(kCutShort);
+      end = kRelated;
+      handed.wait(kWaiting);
+      std::vector<uint32_t> itemAt;
+      if (handed.load() == kHanded && MatchItems(judgment, ordered.data(), ordered.size(), itemAt)) {
+        flags = judgment.Order(itemAt, ordered.data());
+        if (invert) for (int32_t& flag : flags) Flip(flag);
+        end = kSettled;
+      }
+    } catch (const RvError&) {
+      end = state.load() == kReading ? kUnreadable : kCutShort;
+    } catch (...) {
+      end = kCutShort;  // the calling thread meets it again
+    }
+    Announce(end);
+  }
+  void Announce(int now) {
+    state.store(now);
+    state.notify_all();
+  }
+  void Hand(int how) {
+    handed.store(how);
+    handed.notify_all();
+  }
+};
+
+NestingJob::NestingJob(std::vector<RVINSIDEPATH> paths, std::size_t threadFrom) {
+  if (paths.size() < std::max<std::size_t>(threadFrom, 2) || std::thread::hardware_concurrency() == 1) return;
+  auto work = std::make_unique<Work>();
+  work->paths = std::move(paths);
+  Work* running = work.get();
+  try {
+    work->thread = std::thread([running] { running->Run(); });
+  } catch (const std::system_error&) {
+    return;  // no thread to be had: the paths are judged when finished
+  }
+  m_work = std::move(work);
+}
+
+NestingJob::~NestingJob() {
+  if (!m_work || !m_work->thread.joinable()) return;
+  m_work->stop.store(true);
+  if (m_work->handed.load() == Work::kWaiting) m_work->Hand(Work::kWithdrawn);
+  m_work->thread.join();
+}
+
+bool NestingJob::Readable() {
+  if (!m_work) return false;
+  m_work->state.wait(Work::kReading);
+  const int state = m_work->state.load();
+  return state != Work::kUnreadable && state != Work::kCutShort;
+}
+
+void NestingJob::Order(std::vector<RVINSIDEPATH> paths, bool invert) {
+  if (!m_work || m_work->handed.load() != Work::kWaiting) return;
+  m_work->ordered = std::move(paths);
+  m_work->invert = invert;
+  m_work->Hand(Work::kHanded);
+}
+
+void NestingJob::Finish(RVINSIDEPATH* paths, std::size_t count, bool invert) {
+  if (m_work && m_work->thread.joinable()) {
+    if (m_work->handed.load() == Work::kWaiting) m_work->Hand(Work::kWithdrawn);
+    m_work->thread.join();
+  }
+  const int state = m_work ? m_work->state.load() : Work::kCutShort;
+  if (state == Work::kSettled && invert == m_work->invert && count == m_work->ordered.size() &&
+      std::equal(paths, paths + count, m_work->ordered.begin(), [](const RVINSIDEPATH& x, const RVINSIDEPATH& y) {
+        return x.art == y.art && x.inside == y.inside;
+      })) {
+    for (std::size_t k = 0; k < count; ++k) paths[k].inside = m_work->flags[k];
+    return;
+  }
+  std::vector<uint32_t> itemAt;
+  if ((state == Work::kRelated || state == Work::kSettled) && MatchItems(m_work->judgment, paths, count, itemAt)) {
+    const std::vector<int32_t> flags = m_work->judgment.Order(itemAt, paths);
+    for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
+    if (invert) InvertAll(paths, count);
+    return;
+  }
+  JudgeNestingFlags(paths, count, invert);
 }
 
 void JudgeInsideOutsidePlain(RVINSIDEPATH* paths, std::size_t count, bool invert) {

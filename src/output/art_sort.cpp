@@ -145,6 +145,12 @@ uint32_t CRvArtSort::Collect(void* context, bool openFirst, bool keepPartial, Wa
     } else {
       walk(collect);
     }
+    if (plotter::JudgesSortedNesting(m_param.plotterClass)) {
+      std::vector<RVINSIDEPATH> list;
+      copyToInsideList(list);
+      KeepJudgedPaths(list);
+      m_nesting = std::make_unique<NestingJob>(std::move(list));
+    }
     OrderByKey(context);
     Refine(context);
   });

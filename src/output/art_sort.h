@@ -6,9 +6,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "geometry/judge.h"
 #include "output/block_key.h"
 #include "output/sort_core.h"
 #include "rvdataaccess.h"
@@ -55,6 +57,9 @@ class CRvArtSort {
   }
   /// Appends (art, false) for each entry.
   void copyToInsideList(std::vector<RVINSIDEPATH>& list) const;
+  /// Where the class judges the nesting of a sorted list, the judgment of
+  /// the arts collected, begun before they were ordered; else null.
+  NestingJob* nesting() const { return m_nesting.get(); }
 
   std::vector<RVSORTENTRY> m_entries;
   RVPOINT m_startPoint{};
@@ -83,11 +88,13 @@ class CRvArtSort {
   /// One sort, under Guard: opens a stage first if `openFirst`; runs
   /// walk(collect), where collect is the RefMap callback that adds each art
   /// (a failure of the walk is dropped if `keepPartial`, so that the arts
-  /// collected before it are sorted); then orders by key and refines.
+  /// collected before it are sorted); then, while the nesting of the arts
+  /// is judged where the class needs it, orders by key and refines.
   template <class Walk>
   uint32_t Collect(void* context, bool openFirst, bool keepPartial, Walk&& walk);
   BlockGrid m_grid;
   const bool m_ownStage;
+  std::unique_ptr<NestingJob> m_nesting;
 };
 
 class CRvBlockBubbleSort : public CRvArtSort {

@@ -28,6 +28,8 @@ constexpr uint16_t kHatchingMachine = 10;
 inline bool BlockSorts(uint16_t c) { return c == 0; }
 inline bool IsMilling(uint16_t c) { return c == 5 || c == 12; }
 inline bool SkipsBothSides(uint16_t c) { return c == 8 || c == 9 || c == 10; }
+/// The classes whose sorted route judges the nesting of every path it writes.
+inline bool JudgesSortedNesting(uint16_t c) { return c != 0 && !IsMilling(c); }
 inline bool HonoursStartPoints(uint16_t c) { return c == 1 || c == 4 || c == 11; }
 inline bool NeverTheta(uint16_t c) { return c == 0 || c == 5 || c == 8 || c == 9 || c == 10 || c == 12; }
 inline bool MirrorsX(uint16_t c) { return c == 0 || c == 3 || c == 4 || c == 5 || c == 11 || c == 12; }

@@ -165,13 +165,51 @@ void CRvRVLFormat::UnsortedRoute() {
 void CRvRVLFormat::WriteSorted(CRvArtSort& sort) {
   const uint16_t cls = m_param.plotterClass;
   m_artTotal = int32_t(sort.size());
-  if (cls != 0 && !plotter::IsMilling(cls)) {
-    std::vector<RVINSIDEPATH> list;
-    sort.copyToInsideList(list);
-    InsidePass(list);
-    if (!plotter::SkipsBothSides(cls)) sort.forEach(*this, EntryBothSidesCutInfo);
+  auto writeAll = [&] { sort.forEach(*this, plotter::IsMilling(cls) ? MillingWriterThunk : CuttingWriterThunk); };
+  if (!plotter::JudgesSortedNesting(cls)) {
+    writeAll();
+    return;
   }
-  sort.forEach(*this, plotter::IsMilling(cls) ? MillingWriterThunk : CuttingWriterThunk);
+  auto bothSides = [&] {
+    if (!plotter::SkipsBothSides(cls)) sort.forEach(*this, EntryBothSidesCutInfo);
+  };
+  std::vector<RVINSIDEPATH> list;
+  sort.copyToInsideList(list);
+  NestingJob* job = sort.nesting();
+  if (job != nullptr && job->Readable() && WritesLeavePathsAlone(sort)) {
+    // The job judges the paths while they are written, as the writing
+    // doesn't change them; the tags follow, also when the writing fails.
+    KeepJudgedPaths(list);
+    job->Order(list, m_param.swapInsideOutside != 0);
+    const uint32_t code = Guard([&] {
+      bothSides();
+      writeAll();
+    });
+    InsidePass(list, job);
+    Check(code);
+    return;
+  }
+  InsidePass(list, job);
+  bothSides();
+  writeAll();
+}
+
+bool CRvRVLFormat::WritesLeavePathsAlone(const CRvArtSort& sort) const {
+  if (!plotter::SkipsBothSides(m_param.plotterClass)) {
+    // Turned paths change their points; a divide cut reads the tags at its
+    // corners and adds joint points.
+    if (m_param.forceCounterClockwise == 1) return false;
+    bool divideCut = false;
+    (void)CRvCutCdnMng::Instance().Trace([&](const std::string&, const CondPair& pair) {
+      if (pair.record != nullptr && pair.record->DivideCut.Available > 0) divideCut = true;
+      return 0u;
+    });
+    if (m_param.conditionSource != 0 && divideCut) return false;
+  }
+  // An art split by an earlier divide cut is split again as it is written.
+  bool split = false;
+  sort.forEachArt([&](void* art) { split = split || ArtOf(art)->HasTag(kBothSidesCutTag); });
+  return !split;
 }
 
 void CRvRVLFormat::SortedRoute() {
@@ -274,18 +312,25 @@ void CRvRVLFormat::StartPointPass(CRvArt* art) {
   store.SetPathStartSegment(&c, 0);
 }
 
-void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list) {
-  // Only shapes whose outline is a Bezier can be judged: a group or compound,
-  // or a path that starts with an arc or spline, takes no part.
+void KeepJudgedPaths(std::vector<RVINSIDEPATH>& list) {
   std::erase_if(list, [](const RVINSIDEPATH& e) {
     const CRvArt* art = ArtOf(e.art);
     if (art->GetType() != kArtPath) return true;
     const CRvArt* first = art->GetChild(0);
     return first == nullptr || first->GetType() != kArtBezier;
   });
+}
+
+void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list, NestingJob* job) {
+  KeepJudgedPaths(list);
   // Largest area first (the order of the exchange sort, equal areas kept),
   // then the nesting parity; only the flags are needed here.
-  JudgeNestingFlags(list.data(), list.size(), m_param.swapInsideOutside != 0);
+  const bool invert = m_param.swapInsideOutside != 0;
+  if (job != nullptr) {
+    job->Finish(list.data(), list.size(), invert);
+  } else {
+    JudgeNestingFlags(list.data(), list.size(), invert);
+  }
   CRvDataAccess& store = CRvDataAccess::Instance();
   for (const RVINSIDEPATH& e : list) {
     if (e.inside != 0) store.SetArtTag(ArtOf(e.art), kInsidePathTag, "");

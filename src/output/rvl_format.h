@@ -71,6 +71,7 @@ inline int32_t DownwardTenths(double millimetres) { return TruncToInt32(0.5 - mi
 JointList ParseJointTag(const std::string& text);
 
 class CRvArtSort;
+class NestingJob;
 
 /// RefMap and sort callbacks over a format (`context`): the cutting writer
 /// and the milling writer of one art.
@@ -91,6 +92,11 @@ uint32_t ExportMillingJob(const char* path, int16_t documentIndex, const RVPLOTP
 /// compound stands in a collected list once for each path below it, under
 /// its own handle: it isn't a path, so it takes no part.
 std::vector<RVINSIDEPATH> ClosedPathsOf(const std::vector<RVINSIDEPATH>& collected);
+
+/// Drops from a list for the inside pass what can't be judged: only paths
+/// whose outline is a Bezier are, so a group or compound, or a path that
+/// starts with an arc or spline, takes no part.
+void KeepJudgedPaths(std::vector<RVINSIDEPATH>& list);
 
 /// Calls `write(bezier)` for each Bezier component of the path `path` in
 /// order. The writers take paths whose curves are joined into Beziers: arc,
@@ -133,7 +139,12 @@ class CRvRVLFormat : public CRvFormatStrategy {
   void StartPointPass(CRvArt* art);
   /// Inside pass: orders `list` by area, flags the arts at odd depth (the
   /// flags inverted with swapInsideOutside) and tags them.
-  void InsidePass(std::vector<RVINSIDEPATH>& list);
+  /// Flags with the inside tag the paths of `list` that the nesting pass
+  /// makes inside; `job`, where given, has judged the same paths already.
+  void InsidePass(std::vector<RVINSIDEPATH>& list, NestingJob* job = nullptr);
+  /// Whether the both-sides pass and the writers of `sort` leave the paths'
+  /// points alone and don't read their inside tags.
+  bool WritesLeavePathsAlone(const CRvArtSort& sort) const;
   /// The cutting writer of one art: passes, condition blocks, paths, "PU;",
   /// progress.
   void CuttingWriter(CRvArt* art);

@@ -233,7 +233,29 @@ int ExpectSameAsPlain(const std::vector<void*>& paths, bool invert, uint32_t cod
   // The flags-only judgment leaves the array in its order.
   std::vector<RVINSIDEPATH> flags;
   for (void* p : paths) flags.push_back({p, 0});
+  const std::vector<RVINSIDEPATH> given = flags;
   EXPECT_EQ(Guard([&] { JudgeNestingFlags(flags.data(), flags.size(), invert); }), code);
+  // The same on a thread, started in another order, given the final order
+  // ahead, or another one, or none.
+  auto pairs = [](const std::vector<RVINSIDEPATH>& list) {
+    std::vector<std::pair<void*, int32_t>> out;
+    for (const RVINSIDEPATH& e : list) out.emplace_back(e.art, e.inside);
+    return out;
+  };
+  for (int handed : {0, 1, 2}) {
+    (void)Guard([] { Raise(0x7F000101u); });
+    NestingJob job({given.rbegin(), given.rend()}, 0);
+    EXPECT_EQ(job.Readable(), code == 0);
+    EXPECT_EQ(gGetLastError(), 0x7F000101u) << "a failure on the thread is the caller's to meet";
+    if (handed == 1) job.Order(given, invert);
+    if (handed == 2) job.Order({given.begin() + 1, given.end()}, invert);
+    std::vector<RVINSIDEPATH> late = given;
+    EXPECT_EQ(Guard([&] { job.Finish(late.data(), late.size(), invert); }), code);
+    if (code == 0) {
+      EXPECT_EQ(pairs(late), pairs(flags)) << "handed " << handed;
+    }
+  }
+  NestingJob abandoned(given, 0);  // stops and ends unfinished
   int holes = 0;
   for (std::size_t i = 0; i < plain.size(); ++i) {
     EXPECT_EQ((std::pair{fast[i].art, fast[i].inside}), (std::pair{plain[i].art, plain[i].inside})) << i;
@@ -308,6 +330,12 @@ TEST_F(Judge, FastNestingMatchesThePlainAlgorithm) {
       ExpectSameAsPlain({Polygon(outer), Polygon({{1500, y}, {1500, 10}, {1510, 10}, {1510, y}})}, false, 0);
     }
   }
+  // A bow tie has no area, nor has a stroke: the stroke in one loop lies
+  // inside the tie only where the tie comes first.
+  void* bow = Polygon({{0, 0}, {10, 10}, {10, 0}, {0, 10}});
+  void* stroke = PathOf({Corner(8, 4), Corner(8, 6)}, 0);
+  EXPECT_EQ(ExpectSameAsPlain({bow, stroke}, false, 0), 1);
+  EXPECT_EQ(ExpectSameAsPlain({stroke, bow}, false, 0), 0);
   // Squares that share a corner and two sides; a path without points.
   ExpectSameAsPlain({Square(0, 0, 10), PathOf({}), Square(0, 0, 5)}, false, 0);
   std::vector<void*> paths = MakeScene(2, 4, 9);

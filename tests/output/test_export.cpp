@@ -356,6 +356,26 @@ TEST_F(ExportTest, InsidePassTagsWhatLiesAtOddDepth) {
   for (void* art : {outer, middle, inner, apart}) {
     EXPECT_EQ(RvGiGetArtTag(art, "RivlenKerflowInsidePathTag", value) == 0u, art == middle);
   }
+  // Sorted, enough paths are judged beside the sort and the writing; paths
+  // turned as they are written make the writing wait for the judgment.
+  for (int32_t turned : {0, 1}) {
+    SetUp();
+    std::vector<void*> rings;
+    for (int k = 0; k < 700; ++k) {
+      const double x = (k % 30) * 100.0, y = (k / 30) * 100.0;
+      for (double d : {0.0, 10.0, 20.0}) {
+        rings.push_back(AddPath({{x + d, y + d}, {x + d, y + 90 - d}, {x + 90 - d, y + 90 - d}, {x + 90 - d, y + d}},
+                                true, "A"));
+      }
+    }
+    RVPLOTPARAM p = Param(6, 3);
+    p.sortArts = 1;
+    p.forceCounterClockwise = turned;
+    Export(p);
+    for (std::size_t k = 0; k < rings.size(); ++k) {
+      EXPECT_EQ(RvGiGetArtTag(rings[k], "RivlenKerflowInsidePathTag", value) == 0u, k % 3 == 1) << k;
+    }
+  }
 
   // A path whose only component is an arc (a circle of a plot file) takes no
   // part in the inside pass and doesn't fail the export (the job writer draws
