@@ -162,6 +162,19 @@ void CRvRVLFormat::UnsortedRoute() {
   maps.Trace(main, kRefMapOutput, true, cut);
 }
 
+namespace {
+
+bool AnyDivideCut() {
+  bool any = false;
+  (void)CRvCutCdnMng::Instance().Trace([&](const std::string&, const CondPair& pair) {
+    any = any || (pair.record != nullptr && pair.record->DivideCut.Available > 0);
+    return 0u;
+  });
+  return any;
+}
+
+}  // namespace
+
 void CRvRVLFormat::WriteSorted(CRvArtSort& sort) {
   const uint16_t cls = m_param.plotterClass;
   m_artTotal = int32_t(sort.size());
@@ -199,12 +212,7 @@ bool CRvRVLFormat::WritesLeavePathsAlone(const CRvArtSort& sort) const {
     // Turned paths change their points; a divide cut reads the tags at its
     // corners and adds joint points.
     if (m_param.forceCounterClockwise == 1) return false;
-    bool divideCut = false;
-    (void)CRvCutCdnMng::Instance().Trace([&](const std::string&, const CondPair& pair) {
-      if (pair.record != nullptr && pair.record->DivideCut.Available > 0) divideCut = true;
-      return 0u;
-    });
-    if (m_param.conditionSource != 0 && divideCut) return false;
+    if (m_param.conditionSource != 0 && AnyDivideCut()) return false;
   }
   // An art split by an earlier divide cut is split again as it is written.
   bool split = false;
