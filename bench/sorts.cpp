@@ -38,7 +38,7 @@ Scene MakeScene(int arts, bool nested, bool oneBlock) {
     const rv::IntRect b{int(px), int(py), int(px + w), int(py + h)};
     s.boxes.push_back(b);
     s.starts.push_back(RVPOINT{px, py});
-    s.entries.push_back(rv::RVSORTENTRY{rv::BlockKey(grid, py, px), 2 * w + 2 * h,
+    s.entries.push_back(rv::RVSORTENTRY{rv::BlockKey(grid, py, px), 0, 2 * w + 2 * h,
                                         reinterpret_cast<void*>(std::intptr_t(s.entries.size()))});
   };
   if (nested) add(-1, -1, 2002 * scale, 1002 * scale);

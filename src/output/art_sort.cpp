@@ -94,9 +94,20 @@ void CRvArtSort::forEach(CRvRVLFormat& format, uint32_t (*callback)(void*, void*
   for (const RVSORTENTRY& e : m_entries) Check(callback(&format, e.art));
 }
 
-void CRvArtSort::copyToInsideList(std::vector<RVINSIDEPATH>& list) const {
+void CRvArtSort::copyJudgedPaths(std::vector<RVINSIDEPATH>& list) const {
   list.reserve(list.size() + m_entries.size());
-  for (const RVSORTENTRY& e : m_entries) list.push_back(RVINSIDEPATH{e.art, 0});
+  for (const RVSORTENTRY& e : m_entries) {
+    if ((e.marks & kJudgedMark) != 0) list.push_back(RVINSIDEPATH{e.art, 0});
+  }
+}
+
+bool CRvArtSort::anySplit() const {
+  return std::any_of(m_entries.begin(), m_entries.end(), [](const RVSORTENTRY& e) { return (e.marks & kSplitMark) != 0; });
+}
+
+uint32_t CRvArtSort::MarksOf(void* handle) {
+  const CRvArt* art = ArtOf(handle);
+  return (JudgedPath(art) ? kJudgedMark : 0) | (art->HasTag(kBothSidesCutTag) ? kSplitMark : 0);
 }
 
 int32_t CRvArtSort::BlockKeyOfArt(void* handle) const {
@@ -147,8 +158,7 @@ uint32_t CRvArtSort::Collect(void* context, bool openFirst, bool keepPartial, Wa
     }
     if (plotter::JudgesSortedNesting(m_param.plotterClass)) {
       std::vector<RVINSIDEPATH> list;
-      copyToInsideList(list);
-      KeepJudgedPaths(list);
+      copyJudgedPaths(list);
       m_nesting = std::make_unique<NestingJob>(std::move(list));
     }
     OrderByKey(context);
@@ -190,6 +200,7 @@ void CRvBlockBubbleSort::AddArt(void* art) {
   RVSORTENTRY e;
   e.art = art;
   e.key = (ArtOf(art)->AttrFlags() & kAttrExcluded) != 0 ? kExcludedKeyBlockSort : BlockKeyOfArt(art);
+  e.marks = MarksOf(art);
   e.value = 0.0;
   m_entries.push_back(e);
 }
@@ -234,6 +245,7 @@ void CRvArtSortByBounds::AddArt(void* art) {
   e.art = art;
   const RVRECT b = BoundsOf(art);
   e.key = (ArtOf(art)->AttrFlags() & kAttrExcluded) != 0 ? kExcludedKeyBoundsSort : BlockKeyOfArt(art);
+  e.marks = MarksOf(art);
   e.value = 2.0 * (b.right - b.left) + 2.0 * (b.top - b.bottom);
   m_entries.push_back(e);
 }

@@ -55,8 +55,10 @@ class CRvArtSort {
   void forEachArt(Visit&& visit) const {
     for (const RVSORTENTRY& e : m_entries) visit(e.art);
   }
-  /// Appends (art, false) for each entry.
-  void copyToInsideList(std::vector<RVINSIDEPATH>& list) const;
+  /// Appends (art, false) for each entry that the inside pass judges.
+  void copyJudgedPaths(std::vector<RVINSIDEPATH>& list) const;
+  /// Whether an art was split by an earlier divide cut (kBothSidesCutTag).
+  bool anySplit() const;
   /// Where the class judges the nesting of a sorted list, the judgment of
   /// the arts collected, begun before they were ordered; else null.
   NestingJob* nesting() const { return m_nesting.get(); }
@@ -73,6 +75,10 @@ class CRvArtSort {
  protected:
   /// The block key of an art (the key of its last component's first point).
   int32_t BlockKeyOfArt(void* art) const;
+  /// The marks of an art's entry (kJudgedMark, kSplitMark).
+  static uint32_t MarksOf(void* art);
+  static constexpr uint32_t kJudgedMark = 1;  // the inside pass judges it
+  static constexpr uint32_t kSplitMark = 2;   // split by a divide cut
   /// Reports `percent` with the sorting text; raises 0x0A001F01 on cancel.
   void Step(void* context, int16_t percent) const;
   /// begin, range(0, 100), step 0 with the text, cancel check.

@@ -56,9 +56,15 @@ std::vector<RVINSIDEPATH> ClosedPathsOf(const std::vector<RVINSIDEPATH>& collect
   list.reserve(collected.size());
   for (const RVINSIDEPATH& e : collected) {
     const CRvArt* a = ArtOf(e.art);
-    if (a->GetType() == kArtPath && static_cast<const CRvPath*>(a)->m_closed != 0) list.push_back(e);
+    if (JudgedPath(a) && static_cast<const CRvPath*>(a)->m_closed != 0) list.push_back(e);
   }
   return list;
+}
+
+bool JudgedPath(const CRvArt* art) {
+  if (art->GetType() != kArtPath) return false;
+  const CRvArt* first = art->GetChild(0);
+  return first != nullptr && first->GetType() == kArtBezier;
 }
 
 uint32_t CRvRVLFormat::ImportToRIF() { return kErrNoDirection; }
@@ -187,12 +193,11 @@ void CRvRVLFormat::WriteSorted(CRvArtSort& sort) {
     if (!plotter::SkipsBothSides(cls)) sort.forEach(*this, EntryBothSidesCutInfo);
   };
   std::vector<RVINSIDEPATH> list;
-  sort.copyToInsideList(list);
+  sort.copyJudgedPaths(list);
   NestingJob* job = sort.nesting();
   if (job != nullptr && job->Readable() && WritesLeavePathsAlone(sort)) {
     // The job judges the paths while they are written, as the writing
     // doesn't change them; the tags follow, also when the writing fails.
-    KeepJudgedPaths(list);
     job->Order(list, m_param.swapInsideOutside != 0);
     const uint32_t code = Guard([&] {
       bothSides();
@@ -215,9 +220,7 @@ bool CRvRVLFormat::WritesLeavePathsAlone(const CRvArtSort& sort) const {
     if (m_param.conditionSource != 0 && AnyDivideCut()) return false;
   }
   // An art split by an earlier divide cut is split again as it is written.
-  bool split = false;
-  sort.forEachArt([&](void* art) { split = split || ArtOf(art)->HasTag(kBothSidesCutTag); });
-  return !split;
+  return !sort.anySplit();
 }
 
 void CRvRVLFormat::SortedRoute() {
@@ -320,17 +323,7 @@ void CRvRVLFormat::StartPointPass(CRvArt* art) {
   store.SetPathStartSegment(&c, 0);
 }
 
-void KeepJudgedPaths(std::vector<RVINSIDEPATH>& list) {
-  std::erase_if(list, [](const RVINSIDEPATH& e) {
-    const CRvArt* art = ArtOf(e.art);
-    if (art->GetType() != kArtPath) return true;
-    const CRvArt* first = art->GetChild(0);
-    return first == nullptr || first->GetType() != kArtBezier;
-  });
-}
-
 void CRvRVLFormat::InsidePass(std::vector<RVINSIDEPATH>& list, NestingJob* job) {
-  KeepJudgedPaths(list);
   // Largest area first (the order of the exchange sort, equal areas kept),
   // then the nesting parity; only the flags are needed here.
   const bool invert = m_param.swapInsideOutside != 0;

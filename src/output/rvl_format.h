@@ -88,15 +88,16 @@ uint32_t ExportTiledJob(const char* path, int16_t documentIndex, RVPLOTPARAM& pa
 uint32_t ExportMillingJob(const char* path, int16_t documentIndex, const RVPLOTPARAM& param, void* progressContext,
                           void* callbackUser, RvMakeOffsetArtFunc makeOffsetArt);
 
-/// The closed paths of a collected list, for the inside pass. A group or
-/// compound stands in a collected list once for each path below it, under
-/// its own handle: it isn't a path, so it takes no part.
+/// The closed paths of a collected list that the inside pass judges
+/// (JudgedPath). A group or compound stands in a collected list once for
+/// each path below it, under its own handle: it isn't a path, so it takes
+/// no part.
 std::vector<RVINSIDEPATH> ClosedPathsOf(const std::vector<RVINSIDEPATH>& collected);
 
-/// Drops from a list for the inside pass what can't be judged: only paths
-/// whose outline is a Bezier are, so a group or compound, or a path that
-/// starts with an arc or spline, takes no part.
-void KeepJudgedPaths(std::vector<RVINSIDEPATH>& list);
+/// Whether the inside pass judges an art: only paths whose outline is a
+/// Bezier are judged, so a group or compound, or a path that starts with an
+/// arc or spline, takes no part.
+bool JudgedPath(const CRvArt* art);
 
 /// Calls `write(bezier)` for each Bezier component of the path `path` in
 /// order. The writers take paths whose curves are joined into Beziers: arc,
@@ -139,8 +140,9 @@ class CRvRVLFormat : public CRvFormatStrategy {
   void StartPointPass(CRvArt* art);
   /// Inside pass: orders `list` by area, flags the arts at odd depth (the
   /// flags inverted with swapInsideOutside) and tags them.
-  /// Flags with the inside tag the paths of `list` that the nesting pass
-  /// makes inside; `job`, where given, has judged the same paths already.
+  /// Flags with the inside tag the paths of `list` (all judged, see
+  /// JudgedPath) that the nesting pass makes inside; `job`, where given,
+  /// has judged the same paths already.
   void InsidePass(std::vector<RVINSIDEPATH>& list, NestingJob* job = nullptr);
   /// Whether the both-sides pass and the writers of `sort` leave the paths'
   /// points alone and don't read their inside tags.

@@ -20,9 +20,11 @@
 namespace rv {
 
 /// One art of a sort: its block key, a value whose meaning depends on the
-/// sort (distance from the pen, or perimeter of the bounds) and the art.
+/// sort (distance from the pen, or perimeter of the bounds) and the art;
+/// marks that the sort's user reads off the art as the entry is made.
 struct RVSORTENTRY {
   int32_t key = 0;
+  uint32_t marks = 0;
   double value = 0.0;
   void* art = nullptr;
 };

@@ -18,7 +18,7 @@ void* Art(std::intptr_t id) { return reinterpret_cast<void*>(id); }
 
 std::vector<rv::RVSORTENTRY> Entries(std::initializer_list<int> keys) {
   std::vector<rv::RVSORTENTRY> out;
-  for (int k : keys) out.push_back(rv::RVSORTENTRY{k, 0.0, Art(std::intptr_t(out.size()) + 1)});
+  for (int k : keys) out.push_back(rv::RVSORTENTRY{k, 0, 0.0, Art(std::intptr_t(out.size()) + 1)});
   return out;
 }
 
@@ -82,7 +82,7 @@ TEST(SortCore, NearestStartGivesTheOrderOfThePlainProcedure) {
       if (round >= 300 && k == 7) s.y = std::nan("");
       starts.push_back(s);
       ends.push_back(RVPOINT{double(cell(gen)), double(cell(gen))});
-      e.push_back(rv::RVSORTENTRY{round < 339 ? int(gen() % 3) : 0, 0.0, Art(k + 1)});
+      e.push_back(rv::RVSORTENTRY{round < 339 ? int(gen() % 3) : 0, 0, 0.0, Art(k + 1)});
     }
     rv::SortEntriesByKey(e);
     auto plain = e;
@@ -129,7 +129,7 @@ void PlainByBounds(std::vector<rv::RVSORTENTRY>& e, std::vector<rv::IntRect>& bo
 std::vector<rv::RVSORTENTRY> WithBoxes(const std::vector<rv::IntRect>& boxes) {
   std::vector<rv::RVSORTENTRY> e;
   for (const rv::IntRect& b : boxes) {
-    e.push_back(rv::RVSORTENTRY{0, 2.0 * (double(b.right) - b.left) + 2.0 * (double(b.bottom) - b.top),
+    e.push_back(rv::RVSORTENTRY{0, 0, 2.0 * (double(b.right) - b.left) + 2.0 * (double(b.bottom) - b.top),
                                 Art(std::intptr_t(e.size()) + 1)});
   }
   return e;
