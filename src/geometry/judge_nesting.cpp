@@ -338,7 +338,9 @@ struct NestingJob::Work {
       std::vector<uint32_t> itemAt;
       if (handed.load() == kHanded && MatchItems(judgment, ordered.data(), ordered.size(), itemAt)) {
         flags = judgment.Order(itemAt, ordered.data());
-        if (invert) for (int32_t& flag : flags) Flip(flag);
+        if (invert) {
+          for (int32_t& flag : flags) Flip(flag);
+        }
         end = kSettled;
       }
     } catch (const RvError&) {

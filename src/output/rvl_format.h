@@ -138,10 +138,9 @@ class CRvRVLFormat : public CRvFormatStrategy {
   // ---- passes over the arts ----
   /// Start-point pass of one art (classes 1, 4, 11 with optimizeStartPoints).
   void StartPointPass(CRvArt* art);
-  /// Inside pass: orders `list` by area, flags the arts at odd depth (the
-  /// flags inverted with swapInsideOutside) and tags them.
-  /// Flags with the inside tag the paths of `list` (all judged, see
-  /// JudgedPath) that the nesting pass makes inside; `job`, where given,
+  /// Inside pass: judges the paths of `list` (all judged ones, see
+  /// JudgedPath) by area and nesting, flags those at odd depth (the flags
+  /// inverted with swapInsideOutside) and tags them; `job`, where given,
   /// has judged the same paths already.
   void InsidePass(std::vector<RVINSIDEPATH>& list, NestingJob* job = nullptr);
   /// Whether the both-sides pass and the writers of `sort` leave the paths'
