@@ -285,6 +285,15 @@ bool MatchItems(const NestingFlags& read, const RVINSIDEPATH* paths, std::size_t
   return true;
 }
 
+// The flags of a related judgment for the paths in the order that itemAt
+// gives, written into them.
+void SettleFlags(NestingFlags& judgment, const std::vector<uint32_t>& itemAt, RVINSIDEPATH* paths,
+                 std::size_t count, bool invert) {
+  const std::vector<int32_t> flags = judgment.Order(itemAt, paths);
+  for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
+  if (invert) InvertAll(paths, count);
+}
+
 }  // namespace
 
 void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert) {
@@ -302,9 +311,7 @@ void JudgeNestingFlags(RVINSIDEPATH* paths, std::size_t count, bool invert) {
   judgment.Relate(nullptr);
   std::vector<uint32_t> itemAt(count);
   std::iota(itemAt.begin(), itemAt.end(), 0u);
-  const std::vector<int32_t> flags = judgment.Order(itemAt, paths);
-  for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
-  if (invert) InvertAll(paths, count);
+  SettleFlags(judgment, itemAt, paths, count, invert);
 }
 
 // ------------------------------------------------------------- NestingJob
@@ -323,7 +330,7 @@ struct NestingJob::Work {
   std::atomic<int> handed{kWaiting};
   std::vector<RVINSIDEPATH> ordered;
   bool invert = false;
-  std::vector<int32_t> flags;  // by position in `ordered`, once settled
+  std::vector<RVINSIDEPATH> settled;  // `ordered` with its flags, once settled
 
   void Run() {
     const QuietRaises quiet;  // the calling thread redoes what fails here
@@ -337,10 +344,8 @@ struct NestingJob::Work {
       handed.wait(kWaiting);
       std::vector<uint32_t> itemAt;
       if (handed.load() == kHanded && MatchItems(judgment, ordered.data(), ordered.size(), itemAt)) {
-        flags = judgment.Order(itemAt, ordered.data());
-        if (invert) {
-          for (int32_t& flag : flags) Flip(flag);
-        }
+        settled = ordered;
+        SettleFlags(judgment, itemAt, settled.data(), settled.size(), invert);
         end = kSettled;
       }
     } catch (const RvError&) {
@@ -358,6 +363,12 @@ struct NestingJob::Work {
     handed.store(how);
     handed.notify_all();
   }
+  /// Withdraws the order where none was handed over, and waits for the end.
+  void Join() {
+    if (!thread.joinable()) return;
+    if (handed.load() == kWaiting) Hand(kWithdrawn);
+    thread.join();
+  }
 };
 
 NestingJob::NestingJob(std::vector<RVINSIDEPATH> paths, std::size_t threadFrom) {
@@ -374,10 +385,9 @@ NestingJob::NestingJob(std::vector<RVINSIDEPATH> paths, std::size_t threadFrom) 
 }
 
 NestingJob::~NestingJob() {
-  if (!m_work || !m_work->thread.joinable()) return;
+  if (!m_work) return;
   m_work->stop.store(true);
-  if (m_work->handed.load() == Work::kWaiting) m_work->Hand(Work::kWithdrawn);
-  m_work->thread.join();
+  m_work->Join();
 }
 
 bool NestingJob::Readable() {
@@ -395,23 +405,18 @@ void NestingJob::Order(std::vector<RVINSIDEPATH> paths, bool invert) {
 }
 
 void NestingJob::Finish(RVINSIDEPATH* paths, std::size_t count, bool invert) {
-  if (m_work && m_work->thread.joinable()) {
-    if (m_work->handed.load() == Work::kWaiting) m_work->Hand(Work::kWithdrawn);
-    m_work->thread.join();
-  }
+  if (m_work) m_work->Join();
   const int state = m_work ? m_work->state.load() : Work::kCutShort;
   if (state == Work::kSettled && invert == m_work->invert && count == m_work->ordered.size() &&
       std::equal(paths, paths + count, m_work->ordered.begin(), [](const RVINSIDEPATH& x, const RVINSIDEPATH& y) {
         return x.art == y.art && x.inside == y.inside;
       })) {
-    for (std::size_t k = 0; k < count; ++k) paths[k].inside = m_work->flags[k];
+    for (std::size_t k = 0; k < count; ++k) paths[k].inside = m_work->settled[k].inside;
     return;
   }
   std::vector<uint32_t> itemAt;
   if ((state == Work::kRelated || state == Work::kSettled) && MatchItems(m_work->judgment, paths, count, itemAt)) {
-    const std::vector<int32_t> flags = m_work->judgment.Order(itemAt, paths);
-    for (std::size_t k = 0; k < count; ++k) paths[k].inside = flags[k];
-    if (invert) InvertAll(paths, count);
+    SettleFlags(m_work->judgment, itemAt, paths, count, invert);
     return;
   }
   JudgeNestingFlags(paths, count, invert);
